@@ -1,0 +1,246 @@
+// Makes the n-th allocation of an operation fail, for every n there is: the error is the documented one, and
+// the object is as it was. The program is linked so that the library's `malloc`, `realloc` and `new` come
+// here.
+
+#include "vansys/TStringCore.h"
+#include "vansys/VantrelException.h"
+#include "vansys/VantrelOutOfMemoryException.h"
+#include "vansys/sha2.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+/// Allocations left until one fails; negative when none is to fail. Counts on the test's thread only.
+thread_local int t_untilFailure = -1;
+
+bool failsNow()
+{
+    return t_untilFailure >= 0 && t_untilFailure-- == 0;
+}
+
+} // namespace
+
+extern "C" void *__real_malloc(std::size_t size);
+extern "C" void *__real_realloc(void *memory, std::size_t size);
+
+// A compiler may turn a `realloc` of nothing into `malloc`.
+extern "C" void *__wrap_malloc(std::size_t size)
+{
+    return failsNow() ? nullptr : __real_malloc(size);
+}
+
+extern "C" void *__wrap_realloc(void *memory, std::size_t size)
+{
+    return failsNow() ? nullptr : __real_realloc(memory, size);
+}
+
+void *operator new(std::size_t size)
+{
+    void *const memory = failsNow() ? nullptr : __real_malloc(size);
+    if (!memory)
+        throw std::bad_alloc();
+    return memory;
+}
+
+void operator delete(void *memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void *memory, std::size_t) noexcept
+{
+    std::free(memory);
+}
+
+namespace
+{
+
+/// Runs the operation with the n-th allocation failing, for n = 0, 1, ... until it gets through.
+/// `check` is called after each failure. Returns the number of failures.
+int failEachAllocation(std::function<void()> const &prepare, std::function<void()> const &operation,
+                       std::function<void()> const &check)
+{
+    for (int failures = 0;; ++failures)
+    {
+        prepare();
+        bool failed = true;
+        std::string message;
+        t_untilFailure = failures;
+        try
+        {
+            operation();
+            failed = false;
+        }
+        catch (TStringCore::Exception const &exception)
+        {
+            t_untilFailure = -1;
+            message = exception.GetConcatenatedMessages().toStdString();
+        }
+        catch (std::bad_alloc const &)
+        {
+            t_untilFailure = -1;
+            message = "Out of memory";
+        }
+        t_untilFailure = -1;
+        if (!failed)
+            return failures;
+        EXPECT_EQ(message, "Out of memory");
+        check();
+    }
+}
+
+std::u16string const Inline = u"fourteen units";
+std::u16string const OnHeap = u"a text that is too long to be held inline";
+std::string const Utf8 = "thirty-two bytes of narrow text \xE2\x82\xAC";
+std::wstring const Wide = L"thirty-two elements of wide text";
+
+} // namespace
+
+TEST(AllocationFailure, MutatorsLeaveTheTextAsItWas)
+{
+    struct Row
+    {
+        char const *name;
+        std::function<void(TStringCore &)> change;
+    };
+
+    TStringCore const other(OnHeap);
+    Row const rows[] = {
+        {"append", [&](TStringCore &s) { s.append(other); }},
+        {"append itself",
+         [](TStringCore &s)
+         {
+             s.append(s);
+             s.append(s);
+             s.append(s);
+         }},
+        {"append unit", [](TStringCore &s) { s.append(u'x'); }},
+        {"append UTF-8", [](TStringCore &s) { s.append(Utf8.c_str()); }},
+        {"append wide", [](TStringCore &s) { s.append(Wide.c_str()); }},
+        {"assign", [&](TStringCore &s) { s.assign(other.constData(), other.length()); }},
+        {"assign from itself", [](TStringCore &s) { s.assign(s.constData() + 1, 5); }},
+        {"assign UTF-8", [](TStringCore &s) { s = Utf8.c_str(); }},
+        {"assign wide", [](TStringCore &s) { s = Wide.c_str(); }},
+        {"assign wide unit", [](TStringCore &s) { s.fill(L'\U0001F600', 30); }},
+        {"fill", [](TStringCore &s) { s.fill(u'x', 100); }},
+        {"resize", [](TStringCore &s) { s.resize(100); }},
+        {"truncate", [](TStringCore &s) { s.truncate(3); }},
+        {"chop", [](TStringCore &s) { s.chop(3); }},
+        {"reserve", [](TStringCore &s) { s.reserve(100); }},
+        {"squeeze", [](TStringCore &s) { s.squeeze(); }},
+        {"prepend mark", [](TStringCore &s) { s.prependBOM(); }},
+        {"remove mark", [](TStringCore &s) { s.removeBOM(); }},
+        {"data", [](TStringCore &s) { s.data(); }},
+        {"index", [](TStringCore &s) { s[0] = u'x'; }},
+    };
+    int failures = 0;
+    for (Row const &row : rows)
+    {
+        for (std::u16string const *content : {&Inline, &OnHeap})
+        {
+            for (bool const shared : {false, true})
+            {
+                SCOPED_TRACE(testing::Message()
+                             << row.name << ", " << content->size() << " units, shared " << shared);
+                std::u16string const expected =
+                    std::string(row.name) == "remove mark" ? u"\uFEFF" + *content : *content;
+                TStringCore text;
+                TStringCore copy;
+                int capacity = 0;
+                auto const prepare = [&]
+                {
+                    copy.clear();
+                    text = TStringCore(expected);
+                    if (shared)
+                        copy = text;
+                    capacity = text.capacity();
+                };
+                auto const check = [&]
+                {
+                    // "append itself" appends thrice: whatever went through before the failure stays.
+                    std::u16string const actual = text.toStdUString();
+                    EXPECT_EQ(actual.substr(0, expected.size()), expected);
+                    EXPECT_EQ(actual.size() % expected.size(), 0u);
+                    if (std::string(row.name) != "append itself")
+                    {
+                        EXPECT_EQ(actual, expected);
+                        EXPECT_EQ(text.capacity(), capacity);
+                    }
+                    if (shared)
+                    {
+                        EXPECT_EQ(copy.toStdUString(), expected);
+                    }
+                };
+                failures += failEachAllocation(
+                    prepare, [&] { row.change(text); }, check);
+            }
+        }
+    }
+    EXPECT_GE(failures, 60) << "the failures must reach the library";
+}
+
+TEST(AllocationFailure, ConstructorsAndConversionsReleaseWhatTheyBuilt)
+{
+    std::vector<unsigned int> const codePoints(40, 0x1F600);
+    TStringCore const text(OnHeap);
+    std::function<void()> const operations[] = {
+        [] { TStringCore const built(OnHeap); },
+        [] { TStringCore const built(Utf8.c_str()); },
+        [] { TStringCore const built(Wide.c_str()); },
+        [] { TStringCore const built(u'x', 40); },
+        [] { TStringCore const built(L'\U0001F600', 40); },
+        [] { TStringCore::fromLatin9(Utf8.c_str()); },
+        [&] { TStringCore::fromUtf32(codePoints.data(), 40); },
+        [&] { (void)text.toStdString(); },
+        [&] { (void)text.toStdWString(); },
+        [&] { (void)text.toWCharVector(); },
+        [&] { (void)text.toLatin1(); },
+        [&] { std::unique_ptr<TStringCore::Exception>(TStringCore::Exception(text).Clone()); },
+        [&] { VantrelException const built(text); },
+        [&] { VantrelOutOfMemoryException const built; },
+        [&] { std::unique_ptr<VantrelException>(VantrelException(text).Clone()); },
+        [&] { sha2().GetHash(sha2::SHA_TYPE(3), reinterpret_cast<unsigned char const *>("abc"), 3); },
+    };
+    for (auto const &operation : operations)
+        EXPECT_GE(failEachAllocation([] {}, operation, [] {}), 1);
+}
+
+TEST(AllocationFailure, ExceptionsKeepTheirMessages)
+{
+    std::function<void(VantrelException &)> const operations[] = {
+        [](VantrelException &e) { e.StackMessage(Utf8.c_str()); },
+        [](VantrelException &e) { e.StackMessageFront(Utf8.c_str()); },
+        [](VantrelException &e) { e.SetMessage(Utf8.c_str()); },
+        [](VantrelException &e) {
+            e = VantrelException(std::list<TStringCore>{u"a", u"b"});
+        },
+        [](VantrelException &e) { (void)e.GetConcatenatedMessages(); },
+        [](VantrelException &e) { (void)e.GetMessagesVector(); },
+    };
+    for (auto const &operation : operations)
+    {
+        std::optional<VantrelException> exception;
+        int const failures = failEachAllocation(
+            [&] {
+                exception.emplace(std::list<TStringCore>{TStringCore(OnHeap), u"context"});
+            },
+            [&] { operation(*exception); },
+            [&]
+            {
+                EXPECT_EQ(exception->GetMessages(),
+                          (std::list<TStringCore>{TStringCore(OnHeap), u"context"}));
+                EXPECT_TRUE(exception->GetRedactedMessages().empty());
+            });
+        EXPECT_GE(failures, 1);
+    }
+}

@@ -1,0 +1,180 @@
+#include "vansys/TStringCore.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace std::string_literals;
+
+TEST(TStringCoreConversion, DecodesUtf8)
+{
+    struct Row
+    {
+        std::string bytes;
+        std::u16string expected;
+    };
+
+    Row const rows[] = {
+        {"", u""},
+        {"ASCII", u"ASCII"},
+        {"\xC3\xA9", u"\u00e9"},
+        {"\xE2\x82\xAC", u"\u20ac"},
+        {"\xF0\x9F\x98\x80", u"\U0001F600"},
+        {"\xF4\x8F\xBF\xBF", u"\U0010FFFF"},
+        {"a\0b"s, u"a\0b"s},
+        {"\xE2\x82", u"\uFFFD"},   // one byte short: the terminator does not continue it
+        {"\xE2\x82x", u"\uFFFDx"}, // a byte that does not continue it: what was consumed is one
+        {"\x80", u"\uFFFD"},
+        {"\x80\xBF", u"\uFFFD\uFFFD"},
+        {"\xFE\xFF", u"\uFFFD\uFFFD"},
+        {"\xC3(", u"\uFFFD("},
+        {"\xF0\x9F(\x80", u"\uFFFD(\uFFFD"},
+        {"\xC0\x80", u"\0"s},                    // overlong
+        {"\xE0\x80\xAF", u"/"},                  // overlong
+        {"\xED\xA0\x80", {0xD800}},              // a surrogate
+        {"\xF4\x90\x80\x80", u"\uFFFD"},         // above U+10FFFF
+        {"\xF8\x80\x80\x80\xAF", u"/"},          // five bytes
+        {"\xFC\x80\x80\x82\x82\xAC", u"\u20ac"}, // six bytes
+        {"\xFD\xBF\xBF\xBF\xBF\xBF", u"\uFFFD"},
+    };
+    for (Row const &row : rows)
+    {
+        // Behind and before ASCII of every length up to two vectors, so that each row crosses every boundary.
+        for (std::size_t before = 0; before < 33; ++before)
+        {
+            std::string const padded = std::string(before, 'b') + row.bytes;
+            std::u16string const expected = std::u16string(before, u'b') + row.expected;
+            EXPECT_EQ(TStringCore::fromStdString(padded).toStdUString(), expected)
+                << testing::PrintToString(row.bytes) << " behind " << before;
+            EXPECT_EQ(TStringCore::fromStdString(padded + std::string(40, 'a')).toStdUString(),
+                      expected + std::u16string(40, u'a'));
+        }
+    }
+}
+
+// A sequence that is one byte short of its end: the byte at `count` decides. One that is shorter still is
+// given up at once, and each of its bytes stands alone.
+TEST(TStringCoreConversion, CountedUtf8LooksAtTheByteBehind)
+{
+    EXPECT_EQ(TStringCore("\xC3\xA9", 1), u"\u00e9");
+    EXPECT_EQ(TStringCore("\xC3", 1), u"\uFFFD");
+    EXPECT_EQ(TStringCore("ab\xE2\x82\xAC", 4), u"ab\u20ac");
+    EXPECT_EQ(TStringCore("ab\xE2\x82\xAC", 3), u"ab\uFFFD");
+    EXPECT_EQ(TStringCore("ab\xF0\x9F", 4), u"ab\uFFFD\uFFFD");
+    EXPECT_EQ(TStringCore("\xF0\x9F\x98\x80zz", 3), u"\U0001F600");
+}
+
+TEST(TStringCoreConversion, UnitsSurviveUtf8)
+{
+    TStringCore everyUnit;
+    for (int unit = 0; unit < 0x10000; ++unit)
+        everyUnit.append(static_cast<TCodeUnit>(unit));
+    // Here the last high surrogate meets the first low one and makes a pair; all others are alone.
+    EXPECT_EQ(TStringCore::fromStdString(everyUnit.toStdString()), everyUnit);
+
+    struct Row
+    {
+        std::u16string text;
+        std::string expected;
+    };
+
+    for (Row const &row :
+         {Row{u"\u007f\u0080\u07ff\u0800\uffff", "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
+          {u"\U00010000\U0010ffff", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
+          {{0xD800}, "\xED\xA0\x80"},
+          {{0xDC00, 0xD800, u'x'}, "\xED\xB0\x80\xED\xA0\x80x"},
+          {{0xD83D, 0xD83D, 0xDE00}, "\xED\xA0\xBD\xF0\x9F\x98\x80"}})
+        EXPECT_EQ(TStringCore(row.text).toStdString(), row.expected);
+}
+
+TEST(TStringCoreConversion, Utf32)
+{
+    unsigned int const text[] = {'a', 0xFFFF, 0x10000, 0x10FFFF, 0x110000, 0xFFFFFFFF, 0xD800, 0};
+    std::u16string const expected = u"a\uffff\U00010000\U0010ffff\ufffd\ufffd"s + char16_t(0xD800);
+    EXPECT_EQ(TStringCore::fromUtf32(text).toStdUString(), expected);
+    EXPECT_EQ(TStringCore::fromUtf32(text, 3), u"a\uffff\U00010000");
+    EXPECT_EQ(TStringCore::fromUtf32(text, 0), u"");
+    EXPECT_EQ(TStringCore::fromUtf32(static_cast<char32_t const *>(nullptr)), u"");
+    EXPECT_EQ(TStringCore::fromUtf32(U"\U0001F600"), u"\U0001F600");
+}
+
+TEST(TStringCoreConversion, WideText)
+{
+    TStringCore const text = u"a\u20ac\U0001F600b";
+    std::wstring const wide = L"a\u20ac\U0001F600b";
+    EXPECT_EQ(TStringCore(wide.c_str()), text);
+    EXPECT_EQ(TStringCore::fromWChar(wide.c_str(), 2), u"a\u20ac");
+    EXPECT_EQ(TStringCore::fromStdWString(wide), text);
+    EXPECT_EQ(text.toStdWString(), wide);
+    EXPECT_EQ(TStringCore::fromStdUString(text.toStdUString()), text);
+    EXPECT_EQ(TStringCore::fromUtf16(u"abc", 2), u"ab");
+
+    auto const vector = text.toWCharVector();
+    EXPECT_EQ(std::wstring(vector.data()), wide);
+    EXPECT_EQ(vector.size(), wide.size() + 1);
+
+    wchar_t buffer[8];
+    char16_t units[8];
+    for (int capacity = -1; capacity < 8; ++capacity)
+    {
+        std::fill(std::begin(buffer), std::end(buffer), L'#');
+        std::fill(std::begin(units), std::end(units), u'#');
+        int const room = std::max(capacity - 1, 0);
+        ASSERT_EQ(text.toWCharArray(buffer, capacity), std::min(room, static_cast<int>(wide.size())));
+        ASSERT_EQ(text.toWCharArray(units, capacity), std::min(room, text.length()));
+        if (capacity > 0)
+        {
+            EXPECT_EQ(std::wstring(buffer), wide.substr(0, static_cast<std::size_t>(room)));
+            EXPECT_EQ(std::u16string(units), text.toStdUString().substr(0, static_cast<std::size_t>(room)));
+        }
+        EXPECT_EQ(buffer[std::max(capacity, 0)], L'#');
+        EXPECT_EQ(units[std::max(capacity, 0)], u'#');
+    }
+    EXPECT_EQ(text.toWCharArray(static_cast<char16_t *>(nullptr), 5), 0);
+
+    EXPECT_EQ(text.lengthInCodePoints(), 4);
+    EXPECT_EQ(TStringCore::lengthInCodePoints(u"a\u20ac\U0001F600b"), 4);
+    EXPECT_EQ(TStringCore::lengthInCodePoints(L"a\u20ac\U0001F600b"), 4);
+    EXPECT_EQ(TStringCore::length(u"\U0001F600"), 2);
+    EXPECT_EQ(TStringCore::length(L"abc"), 3);
+    EXPECT_EQ(TStringCore::lengthInBytes(u"abc"), 6u);
+    EXPECT_EQ(TStringCore::length(static_cast<wchar_t const *>(nullptr)), 0);
+    EXPECT_EQ(text.lengthInBytes(), 10u);
+}
+
+TEST(TStringCoreConversion, LatinCodePages)
+{
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte)
+        bytes.push_back(static_cast<char>(byte));
+    for (auto const &[from, to] : {std::pair(&TStringCore::fromLatin1, &TStringCore::toLatin1),
+                                   std::pair(&TStringCore::fromLatin9, &TStringCore::toLatin9)})
+    {
+        TStringCore const text = from(bytes.data(), 256);
+        bool complete = false;
+        EXPECT_EQ((text.*to)(&complete), bytes);
+        EXPECT_TRUE(complete);
+        EXPECT_EQ(from("a\xE9", -1), u"a\u00e9");
+        EXPECT_EQ(from(nullptr, 4), u"");
+        EXPECT_EQ((TStringCore(u"\u0416x\U0001F600").*to)(&complete), "?x?");
+        EXPECT_FALSE(complete);
+        EXPECT_EQ((TStringCore(u"\u0416").*to)(nullptr), "?");
+    }
+    EXPECT_EQ(TStringCore::fromLatin9("\xA4\xA6\xA8\xB4\xB8\xBC\xBD\xBE"),
+              u"\u20AC\u0160\u0161\u017D\u017E\u0152\u0153\u0178");
+    bool complete = true;
+    EXPECT_EQ(TStringCore(u"\u00A4").toLatin9(&complete), "?");
+    EXPECT_FALSE(complete);
+}
+
+TEST(TStringCoreConversion, ByteOrderMark)
+{
+    TStringCore text = u"x";
+    EXPECT_FALSE(text.hasBOM());
+    EXPECT_FALSE(TStringCore().hasBOM());
+    text.prependBOM();
+    text.prependBOM();
+    EXPECT_EQ(text, u"\uFEFF\uFEFFx");
+    text.removeBOM();
+    EXPECT_TRUE(text.hasBOM());
+}

@@ -1,0 +1,11 @@
+#include "platform/CpuFeatures.h"
+
+namespace vansys::detail
+{
+
+CpuFeatures DetectCpuFeatures() noexcept
+{
+    return {};
+}
+
+} // namespace vansys::detail

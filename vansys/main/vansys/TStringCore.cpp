@@ -1,0 +1,300 @@
+#include "vansys/TStringCore.h"
+
+#include "vansys/THash.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+#include <ostream>
+
+namespace
+{
+
+void copyUnits(TCodeUnit *to, TCodeUnit const *from, int count)
+{
+    std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(TCodeUnit));
+}
+
+void moveUnits(TCodeUnit *to, TCodeUnit const *from, int count)
+{
+    std::memmove(to, from, static_cast<std::size_t>(count) * sizeof(TCodeUnit));
+}
+
+[[noreturn]] void throwOutOfRange(char const *message)
+{
+    throw TStringCore::Exception(message);
+}
+
+} // namespace
+
+// Assignment
+
+bool TStringCore::inSelf(void const *address) const noexcept
+{
+    // std::less orders pointers into different objects too.
+    std::less<void const *> const before;
+    return !before(address, cbegin()) && !before(cend(), address);
+}
+
+TStringCore &TStringCore::assign(TCodeUnit const *text, int count)
+{
+    if (!text)
+    {
+        clear();
+        return *this;
+    }
+    if (inSelf(text))
+        return assignFromSelf(static_cast<int>(text - constData()), count);
+    int const length = count < 0 ? TStringCore::length(text) : count;
+    m_storage.setLengthForOverwrite(length);
+    copyUnits(m_storage.writableUnits(), text, length);
+    return *this;
+}
+
+/// The text does not grow, so all that can move it is detaching.
+TStringCore &TStringCore::assignFromSelf(int position, int count)
+{
+    TCodeUnit *const units = data();
+    int const rest = length() - position;
+    int const kept = count < 0 ? TStringCore::length(units + position) : std::min(count, rest);
+    moveUnits(units, units + position, kept);
+    m_storage.setLength(kept);
+    return *this;
+}
+
+TStringCore &TStringCore::assignRepeated(TCodeUnit const *units, int count, int times)
+{
+    using vansys::detail::StringStorage;
+    int const length = StringStorage::checkedLength(std::int64_t{count} * std::max(times, 0));
+    m_storage.setLengthForOverwrite(length);
+    TCodeUnit *const out = m_storage.writableUnits();
+    for (int i = 0; i < length; i += count)
+        copyUnits(out + i, units, count);
+    return *this;
+}
+
+// Access
+
+TCodeUnit TStringCore::at(int index) const
+{
+    if (index < 0 || index > length())
+        throwOutOfRange("TStringCore::at(int): argument out of range.");
+    return constData()[index];
+}
+
+TCodeUnit const &TStringCore::operator[](int index) const
+{
+    if (index < 0 || index > length())
+        throwOutOfRange("TStringCore::operator[int] const argument out of range.");
+    return constData()[index];
+}
+
+TCodeUnit const &TStringCore::operator[](unsigned int index) const
+{
+    if (index > static_cast<unsigned int>(length()))
+        throwOutOfRange("TStringCore::operator[size_type] const argument out of range.");
+    return constData()[index];
+}
+
+TCodeUnit &TStringCore::operator[](int index)
+{
+    if (index < 0 || index > length())
+        throwOutOfRange("TStringCore::operator[int] argument out of range.");
+    return data()[index];
+}
+
+TCodeUnit &TStringCore::operator[](unsigned int index)
+{
+    if (index > static_cast<unsigned int>(length()))
+        throwOutOfRange("TStringCore::operator[size_type] argument out of range.");
+    return data()[index];
+}
+
+TStringCore::operator std::u16string_view() const noexcept
+{
+    return {reinterpret_cast<char16_t const *>(constData()), static_cast<std::size_t>(length())};
+}
+
+// Length
+
+void TStringCore::resize(int length)
+{
+    int const before = this->length();
+    m_storage.setLength(length);
+    if (length > before)
+        std::fill(data() + before, data() + length, TCodeUnit{0});
+}
+
+void TStringCore::truncate(int length)
+{
+    if (length < this->length())
+        m_storage.setLength(length);
+}
+
+void TStringCore::chop(int count)
+{
+    if (count > 0)
+        truncate(std::max(length() - count, 0));
+}
+
+int TStringCore::length(TCodeUnit const *text)
+{
+    if (!text)
+        return 0;
+    std::size_t const length = std::char_traits<TCodeUnit>::length(text);
+    return vansys::detail::StringStorage::checkedLength(static_cast<std::int64_t>(length));
+}
+
+int TStringCore::length(TWideTwin const *text)
+{
+    if (!text)
+        return 0;
+    std::size_t const length = std::char_traits<TWideTwin>::length(text);
+    return vansys::detail::StringStorage::checkedLength(static_cast<std::int64_t>(length));
+}
+
+std::size_t TStringCore::lengthInBytes(TCodeUnit const *text)
+{
+    return text ? std::char_traits<TCodeUnit>::length(text) * sizeof(TCodeUnit) : 0;
+}
+
+std::size_t TStringCore::lengthInBytes(TWideTwin const *text)
+{
+    return text ? std::char_traits<TWideTwin>::length(text) * sizeof(TWideTwin) : 0;
+}
+
+// Appending
+
+TStringCore &TStringCore::append(TCodeUnit const *text, int count)
+{
+    if (!text)
+        return *this;
+    if (inSelf(text))
+        return appendFromSelf(static_cast<int>(text - constData()), count);
+    int const added = count < 0 ? TStringCore::length(text) : count;
+    if (added == 0)
+        return *this;
+    int const before = length();
+    m_storage.setLength(vansys::detail::StringStorage::checkedLength(std::int64_t{before} + added));
+    copyUnits(m_storage.writableUnits() + before, text, added);
+    return *this;
+}
+
+/// Works by position: growing or detaching moves the text away from where the source was.
+TStringCore &TStringCore::appendFromSelf(int position, int count)
+{
+    int const before = length();
+    int const rest = before - position;
+    int const added = count < 0 ? TStringCore::length(constData() + position) : std::min(count, rest);
+    if (added == 0)
+        return *this;
+    m_storage.setLength(vansys::detail::StringStorage::checkedLength(std::int64_t{before} + added));
+    TCodeUnit *const units = m_storage.writableUnits();
+    copyUnits(units + before, units + position, added);
+    return *this;
+}
+
+// Byte-order mark
+
+void TStringCore::prependBOM()
+{
+    int const before = length();
+    m_storage.setLength(vansys::detail::StringStorage::checkedLength(std::int64_t{before} + 1));
+    TCodeUnit *const units = m_storage.writableUnits();
+    moveUnits(units + 1, units, before);
+    units[0] = ByteOrderMark;
+}
+
+void TStringCore::removeBOM()
+{
+    if (hasBOM())
+        assignFromSelf(1, length() - 1);
+}
+
+// Comparison
+
+int TStringCore::compareUnits(TCodeUnit const *text, int count) const noexcept
+{
+    TCodeUnit const *const units = constData();
+    int const common = std::min(length(), count);
+    for (int i = 0; i < common; ++i)
+    {
+        if (units[i] != text[i])
+            return units[i] < text[i] ? -1 : 1;
+    }
+    return (length() > count) - (length() < count);
+}
+
+int TStringCore::compare(TStringCore const &other) const noexcept
+{
+    return compareUnits(other.constData(), other.length());
+}
+
+int TStringCore::compare(TCodeUnit const *text) const
+{
+    return compareUnits(text, length(text));
+}
+
+int TStringCore::compare(TWideTwin const *text) const
+{
+    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
+        return compare(reinterpret_cast<TCodeUnit const *>(text));
+    else
+        return compare(TStringCore(text));
+}
+
+int TStringCore::compare(char const *utf8) const
+{
+    return compare(TStringCore(utf8));
+}
+
+std::size_t std::hash<TStringCore>::operator()(TStringCore const &text) const noexcept
+{
+    return static_cast<std::size_t>(
+        THash64(text.constData(), static_cast<unsigned int>(text.lengthInBytes()), 0));
+}
+
+// Growth
+
+void TStringCore::EnableConservativeString() noexcept
+{
+    vansys::detail::StringStorage::enableConservativeGrowth();
+}
+
+bool TStringCore::IsConservativeString() noexcept
+{
+    return vansys::detail::StringStorage::isConservativeGrowth();
+}
+
+// Exception
+
+TStringCore::Exception *TStringCore::Exception::Clone() const
+{
+    return new Exception(*this);
+}
+
+void TStringCore::Exception::Throw() const
+{
+    throw Exception(*this);
+}
+
+// Printing
+
+void PrintTo(TStringCore const &text, std::ostream *out)
+{
+    *out << "u\"";
+    for (TCodeUnit const &unit : text)
+    {
+        if (unit == u'"' || unit == u'\\')
+            *out << '\\' << static_cast<char>(unit);
+        else if (unit >= 0x20 && unit < 0x7F)
+            *out << static_cast<char>(unit);
+        else
+        {
+            *out << "\\u";
+            for (int shift = 12; shift >= 0; shift -= 4)
+                *out << "0123456789ABCDEF"[unit >> shift & 0xF];
+        }
+    }
+    *out << '"';
+}

@@ -1,0 +1,160 @@
+#include "vansys/VantrelException.h"
+
+#include "vansys/VantrelOutOfMemoryException.h"
+#include "vansys/VantrelUserErrorException.h"
+
+#include <memory>
+#include <utility>
+
+using Messages = std::list<TStringCore>;
+
+namespace
+{
+
+/// Both lists of an exception while it is being built: all or nothing.
+struct Stacks
+{
+    std::unique_ptr<Messages> messages = std::make_unique<Messages>();
+    std::unique_ptr<Messages> redacted = std::make_unique<Messages>();
+};
+
+} // namespace
+
+VantrelException::VantrelException() : m_messages(nullptr), m_redactedMessages(nullptr)
+{
+    Stacks stacks;
+    m_messages = stacks.messages.release();
+    m_redactedMessages = stacks.redacted.release();
+}
+
+// Each of the following delegates first: from there on the destructor frees the lists if filling them fails.
+
+VantrelException::VantrelException(VantrelException const &other) : VantrelException()
+{
+    *m_messages = *other.m_messages;
+    *m_redactedMessages = *other.m_redactedMessages;
+}
+
+VantrelException::VantrelException(std::list<TStringCore> const &messages) : VantrelException()
+{
+    *m_messages = messages;
+}
+
+VantrelException::VantrelException(TStringCore const &message) : VantrelException()
+{
+    StackMessage(message);
+}
+
+VantrelException &VantrelException::operator=(VantrelException const &other)
+{
+    Messages messages = *other.m_messages;
+    Messages redacted = *other.m_redactedMessages;
+    m_messages->swap(messages);
+    m_redactedMessages->swap(redacted);
+    return *this;
+}
+
+VantrelException::~VantrelException()
+{
+    delete m_messages;
+    delete m_redactedMessages;
+}
+
+VantrelException *VantrelException::Clone() const
+{
+    return new VantrelException(*this);
+}
+
+void VantrelException::Throw() const
+{
+    throw VantrelException(*this);
+}
+
+TStringCore VantrelException::CollateMessagesForLog() const
+{
+    TStringCore result;
+    for (TStringCore const &message : *m_messages)
+    {
+        result.append(message);
+        if (message.isEmpty() || message.back() != u'\n')
+            result.append(u'\n');
+    }
+    return result;
+}
+
+TStringCore VantrelException::GetMessagesFront() const
+{
+    return m_messages->empty() ? TStringCore() : m_messages->front();
+}
+
+TStringCore VantrelException::GetConcatenatedMessages() const
+{
+    return CollateMessagesForLog();
+}
+
+void VantrelException::StackMessage(TStringCore const &message)
+{
+    if (!message.isEmpty())
+        m_messages->push_back(message);
+}
+
+void VantrelException::StackMessageFront(TStringCore const &message)
+{
+    if (!message.isEmpty())
+        m_messages->push_front(message);
+}
+
+void VantrelException::SetMessage(TStringCore const &message)
+{
+    *this = VantrelException(message);
+}
+
+std::vector<TStringCore> VantrelException::GetMessagesVector() const
+{
+    return std::vector<TStringCore>(m_messages->begin(), m_messages->end());
+}
+
+void StackExceptionAndRethrow(TStringCore const &message)
+{
+    try
+    {
+        throw;
+    }
+    catch (VantrelException &exception)
+    {
+        exception.StackMessage(message);
+        throw;
+    }
+}
+
+// Subclasses
+
+VantrelOutOfMemoryException::VantrelOutOfMemoryException() : VantrelException("Out of memory") {}
+
+VantrelOutOfMemoryException::VantrelOutOfMemoryException(std::list<TStringCore> const &messages)
+    : VantrelException(messages)
+{
+}
+
+VantrelOutOfMemoryException::VantrelOutOfMemoryException(TStringCore const &message)
+    : VantrelException(message)
+{
+}
+
+VantrelOutOfMemoryException::~VantrelOutOfMemoryException() = default;
+
+VantrelOutOfMemoryException *VantrelOutOfMemoryException::Clone() const
+{
+    return new VantrelOutOfMemoryException(*this);
+}
+
+void VantrelOutOfMemoryException::Throw() const
+{
+    throw VantrelOutOfMemoryException(*this);
+}
+
+VantrelUserErrorException::VantrelUserErrorException(TStringCore const &message) : VantrelException(message)
+{
+}
+
+VantrelUserErrorException::~VantrelUserErrorException() = default;
