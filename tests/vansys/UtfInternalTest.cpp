@@ -54,7 +54,7 @@ TEST(Utf, FastDecoderAgreesWithTheDefinition)
     std::mt19937 random(20240229);
     for (int round = 0; round < 20000; ++round)
     {
-        std::string const bytes = randomBytes(random, static_cast<int>(random() % 120));
+        std::string const bytes = randomBytes(random, static_cast<int>(random() % 300));
         int const count = static_cast<int>(bytes.size()) - static_cast<int>(bytes.empty() ? 0 : random() % 2);
         ASSERT_EQ(decode(DecodeUtf8, bytes, count), decode(DecodeUtf8BySequence, bytes, count))
             << testing::PrintToString(bytes) << " count " << count;
@@ -67,7 +67,7 @@ TEST(Utf, FastEncoderAgreesWithTheDefinition)
     for (int round = 0; round < 20000; ++round)
     {
         static constexpr TCodeUnit Masks[] = {0x7F, 0x7F, 0x7F, 0x7FF, 0xFFFF};
-        std::vector<TCodeUnit> text(random() % 120);
+        std::vector<TCodeUnit> text(random() % 300);
         int const kinds = 1 + static_cast<int>(random() % std::size(Masks));
         for (TCodeUnit &unit : text)
         {

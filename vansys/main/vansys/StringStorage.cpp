@@ -111,7 +111,8 @@ void StringStorage::relocate(int capacity, int kept)
     else
     {
         target = allocate(capacity);
-        std::memcpy(target->units(), units(), static_cast<std::size_t>(kept) * sizeof(TCodeUnit));
+        if (kept > 0)
+            std::memcpy(target->units(), units(), static_cast<std::size_t>(kept) * sizeof(TCodeUnit));
         if (isHeap())
             release(block());
     }
@@ -120,30 +121,28 @@ void StringStorage::relocate(int capacity, int kept)
     setBlock(target);
 }
 
-void StringStorage::setLength(int length, int kept)
+/// For text that is on the heap or is going there.
+void StringStorage::setLengthOnHeap(int length, int kept)
 {
-    if (!isHeap() && length < InlineCapacity)
-    {
-        m_words.units[length] = 0;
-        m_words.lengthWord = static_cast<std::int16_t>(length);
-        return;
-    }
     int const grown = grownCapacity(length, capacity());
     if (!isHeap() || isShared() || grown != block()->capacity)
         relocate(grown, kept);
-    block()->length = length;
-    block()->units()[length] = 0;
+    setBlockLength(length);
 }
 
 void StringStorage::setLength(int length)
 {
     int const wanted = std::max(length, 0);
-    setLength(wanted, std::min(wanted, this->length()));
+    if (isHeap() || wanted >= InlineCapacity)
+        setLengthOnHeap(wanted, std::min(wanted, this->length()));
+    else
+        setInlineLength(wanted);
 }
 
-void StringStorage::setLengthForOverwrite(int length)
+TCodeUnit *StringStorage::setLengthForOverwriteOnHeap(int length)
 {
-    setLength(std::max(length, 0), 0);
+    setLengthOnHeap(length, 0);
+    return block()->units();
 }
 
 void StringStorage::appendSlowly(TCodeUnit unit)

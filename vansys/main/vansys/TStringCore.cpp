@@ -36,18 +36,20 @@ bool TStringCore::inSelf(void const *address) const noexcept
     return !before(address, cbegin()) && !before(cend(), address);
 }
 
+void TStringCore::construct(TCodeUnit const *text, int count)
+{
+    int const length = count < 0 ? TStringCore::length(text) : count;
+    if (text)
+        copyUnits(m_storage.setLengthForOverwrite(length), text, length);
+    else
+        clear();
+}
+
 TStringCore &TStringCore::assign(TCodeUnit const *text, int count)
 {
-    if (!text)
-    {
-        clear();
-        return *this;
-    }
     if (inSelf(text))
         return assignFromSelf(static_cast<int>(text - constData()), count);
-    int const length = count < 0 ? TStringCore::length(text) : count;
-    m_storage.setLengthForOverwrite(length);
-    copyUnits(m_storage.writableUnits(), text, length);
+    construct(text, count);
     return *this;
 }
 
@@ -66,8 +68,7 @@ TStringCore &TStringCore::assignRepeated(TCodeUnit const *units, int count, int 
 {
     using vansys::detail::StringStorage;
     int const length = StringStorage::checkedLength(std::int64_t{count} * std::max(times, 0));
-    m_storage.setLengthForOverwrite(length);
-    TCodeUnit *const out = m_storage.writableUnits();
+    TCodeUnit *const out = m_storage.setLengthForOverwrite(length);
     for (int i = 0; i < length; i += count)
         copyUnits(out + i, units, count);
     return *this;

@@ -62,6 +62,21 @@ std::string toNarrow(TStringCore const &text, ToByte toByte, bool *complete)
     return result;
 }
 
+/// A string of what `write` puts into room for `size` bytes; `write` returns how much that is.
+template <class Write>
+std::string writeString(int size, Write write)
+{
+    std::string result;
+#if defined(__cpp_lib_string_resize_and_overwrite)
+    result.resize_and_overwrite(static_cast<std::size_t>(size),
+                                [&](char *room, std::size_t) { return write(room); });
+#else
+    result.resize(static_cast<std::size_t>(size));
+    result.resize(static_cast<std::size_t>(write(result.data())));
+#endif
+    return result;
+}
+
 /// The length of zero-terminated text of code points, or the count given.
 template <class CodePoint>
 std::int64_t countCodePoints(CodePoint const *codePoints, int count)
@@ -82,8 +97,7 @@ void assignUtf32(StringStorage &storage, CodePoint const *codePoints, int count)
     std::int64_t length = 0;
     for (std::int64_t i = 0; i < elements; ++i)
         length += vansys::detail::UnitsOfCodePoint(static_cast<std::uint32_t>(codePoints[i]));
-    storage.setLengthForOverwrite(StringStorage::checkedLength(length));
-    TCodeUnit *out = storage.writableUnits();
+    TCodeUnit *out = storage.setLengthForOverwrite(StringStorage::checkedLength(length));
     for (std::int64_t i = 0; i < elements; ++i)
         out = vansys::detail::PutCodePoint(static_cast<std::uint32_t>(codePoints[i]), out);
 }
@@ -111,19 +125,28 @@ int lengthOf(Container const &text)
 
 // UTF-8
 
-TStringCore &TStringCore::assign(char const *utf8, int count)
+TStringCore::TStringCore(char const *utf8, int count)
+{
+    constructFromUtf8(utf8, count);
+}
+
+void TStringCore::constructFromUtf8(char const *utf8, int count)
 {
     if (!utf8)
     {
         clear();
-        return *this;
+        return;
     }
+    int const bytes = measure(utf8, count);
+    TCodeUnit *const units = m_storage.setLengthForOverwrite(bytes);
+    m_storage.shorten(static_cast<int>(vansys::detail::DecodeUtf8(utf8, bytes, units) - units));
+}
+
+TStringCore &TStringCore::assign(char const *utf8, int count)
+{
     if (inSelf(utf8))
         return *this = TStringCore(utf8, count);
-    int const bytes = measure(utf8, count);
-    m_storage.setLengthForOverwrite(bytes);
-    TCodeUnit *const units = m_storage.writableUnits();
-    m_storage.setLength(static_cast<int>(vansys::detail::DecodeUtf8(utf8, bytes, units) - units));
+    constructFromUtf8(utf8, count);
     return *this;
 }
 
@@ -139,7 +162,7 @@ TStringCore &TStringCore::append(char const *utf8, int count)
     int const before = length();
     m_storage.setLength(StringStorage::checkedLength(std::int64_t{before} + bytes));
     TCodeUnit *const units = m_storage.writableUnits();
-    m_storage.setLength(static_cast<int>(vansys::detail::DecodeUtf8(utf8, bytes, units + before) - units));
+    m_storage.shorten(static_cast<int>(vansys::detail::DecodeUtf8(utf8, bytes, units + before) - units));
     return *this;
 }
 
@@ -151,21 +174,27 @@ TStringCore TStringCore::fromStdString(std::string const &utf8)
 std::string TStringCore::toStdString() const
 {
     TCodeUnit const *next = cbegin();
-    std::string result(static_cast<std::size_t>(length()), '\0');
-    int const ascii = vansys::detail::EncodeAsciiPrefix(next, length(), result.data());
-    result.resize(static_cast<std::size_t>(ascii));
-    next += ascii;
+    std::string result = writeString(length(),
+                                     [&](char *room)
+                                     {
+                                         next += vansys::detail::EncodeAsciiPrefix(next, length(), room);
+                                         return next - cbegin();
+                                     });
 
     // How long the rest gets shows only when it is there: portions of it are encoded aside and appended.
-    constexpr std::ptrdiff_t Portion = 1024;
+    constexpr std::ptrdiff_t Portion = 2048;
     char encoded[Portion * vansys::detail::MaxUtf8BytesOfUnit];
     while (next != cend())
     {
-        std::ptrdiff_t count = std::min(cend() - next, Portion);
+        std::ptrdiff_t const rest = cend() - next;
+        std::ptrdiff_t count = std::min(rest, Portion);
         if (count > 1 && vansys::detail::IsHighSurrogate(next[count - 1]))
             --count; // its partner may be the first of the next portion
         char const *const end = vansys::detail::EncodeUtf8(next, static_cast<int>(count), encoded);
-        result.append(encoded, static_cast<std::size_t>(end - encoded));
+        auto const bytes = static_cast<std::size_t>(end - encoded);
+        // The room that all portions take if the others are like this one.
+        result.reserve(result.size() + bytes * static_cast<std::size_t>((rest + count - 1) / count));
+        result.append(encoded, bytes);
         next += count;
     }
     return result;
@@ -327,8 +356,7 @@ TStringCore TStringCore::fromLatin1(char const *bytes, int count)
     if (!bytes)
         return result;
     int const length = measure(bytes, count);
-    result.m_storage.setLengthForOverwrite(length);
-    std::transform(bytes, bytes + length, result.data(), widen);
+    std::transform(bytes, bytes + length, result.m_storage.setLengthForOverwrite(length), widen);
     return result;
 }
 

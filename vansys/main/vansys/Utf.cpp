@@ -22,6 +22,7 @@ namespace
 
 constexpr int VectorUnits = 16;
 constexpr int BlockUnits = 64;
+constexpr int VectorBytes = 16;
 
 /// Continuation bytes by (lead byte - 0x80) / 2; -1 for a byte that cannot lead.
 constexpr signed char ContinuationCounts[64] = {
@@ -96,6 +97,20 @@ inline void DecodeRun(unsigned char const *&text, unsigned char const *end, TCod
     } while (end - text >= 4 && *text >= 0x80);
 }
 
+/// Decodes a sequence of two bytes if there is one, and takes its bits from the lowest of `others`.
+/// At least two bytes lie behind `text`.
+inline bool DecodeTwoBytes(unsigned char const *&text, TCodeUnit *&out, std::uint64_t &others) noexcept
+{
+    auto const two = Load<std::uint16_t>(text);
+    if ((two & 0xC0E0) != 0x80C0)
+        return false;
+    *out++ = static_cast<TCodeUnit>((two & 0x1F) << 6 | (two >> 8 & 0x3F));
+    text += 2;
+    others &= others - 1;
+    others &= others - 1; // none is left when the second byte belongs to the next block
+    return true;
+}
+
 /// Encodes one code point; `text` is before `end`. Moves both positions on.
 inline void EncodeStep(TCodeUnit const *&text, TCodeUnit const *end, char *&out) noexcept
 {
@@ -125,6 +140,20 @@ inline void EncodeStep(TCodeUnit const *&text, TCodeUnit const *end, char *&out)
 inline void Store(char *to, std::uint32_t value) noexcept
 {
     std::memcpy(to, &value, sizeof value);
+}
+
+/// Encodes a unit that makes two bytes, if it is one, and takes its bit from the lowest of `others`. There is
+/// room to store four bytes.
+inline bool EncodeTwoBytes(TCodeUnit const *&text, char *&out, std::uint64_t &others) noexcept
+{
+    std::uint32_t const unit = *text;
+    if (unit >= 0x800)
+        return false;
+    Store(out, 0x80C0 | unit >> 6 | (unit & 0x3F) << 8);
+    out += 2;
+    ++text;
+    others &= others - 1;
+    return true;
 }
 
 /// Encodes code points up to the next ASCII unit. Every unit makes at least one byte, and at least four units
@@ -174,13 +203,24 @@ inline std::uint32_t OthersInVector(unsigned char const *text) noexcept
 /// A bit for each of 16 units that is not ASCII.
 inline std::uint32_t OthersInVector(TCodeUnit const *text) noexcept
 {
-    // Saturating subtraction leaves zero of ASCII units only.
-    __m128i const ascii = _mm_set1_epi16(0x7F);
-    __m128i const zero = _mm_setzero_si128();
-    __m128i const isAscii =
-        _mm_packs_epi16(_mm_cmpeq_epi16(_mm_subs_epu16(LoadVector(text), ascii), zero),
-                        _mm_cmpeq_epi16(_mm_subs_epu16(LoadVector(text + 8), ascii), zero));
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(isAscii)) ^ 0xFFFF;
+    // Saturating addition carries every unit from 0x80 up, and no other, into the sign bit.
+    __m128i const carry = _mm_set1_epi16(0x7F80);
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(
+        _mm_adds_epu16(LoadVector(text), carry), _mm_adds_epu16(LoadVector(text + 8), carry))));
+}
+
+/// Whether 32 elements are ASCII.
+inline bool AreAscii(unsigned char const *text) noexcept
+{
+    return _mm_movemask_epi8(_mm_or_si128(LoadVector(text), LoadVector(text + 16))) == 0;
+}
+
+inline bool AreAscii(TCodeUnit const *text) noexcept
+{
+    __m128i const all = _mm_or_si128(_mm_or_si128(LoadVector(text), LoadVector(text + 8)),
+                                     _mm_or_si128(LoadVector(text + 16), LoadVector(text + 24)));
+    __m128i const others = _mm_and_si128(all, _mm_set1_epi16(static_cast<short>(0xFF80)));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(others, _mm_setzero_si128())) == 0xFFFF;
 }
 
 /// Converts 16 elements as if all were ASCII.
@@ -208,6 +248,12 @@ std::uint32_t OthersInVector(From const *text) noexcept
     return others;
 }
 
+template <class From>
+bool AreAscii(From const *text) noexcept
+{
+    return (OthersInVector(text) | OthersInVector(text + VectorUnits)) == 0;
+}
+
 template <class From, class To>
 void CopyVector(From const *text, To *out) noexcept
 {
@@ -230,14 +276,30 @@ std::uint64_t OthersInBlock(From const *text) noexcept
 template <class From, class To>
 void CopyAscii(From const *text, std::ptrdiff_t count, To *out) noexcept
 {
-    for (std::ptrdiff_t done = 0; done < count; done += VectorUnits)
+    CopyVector(text, out); // by far the most runs are done with this
+    for (std::ptrdiff_t done = VectorUnits; done < count; done += VectorUnits)
         CopyVector(text + done, out + done);
 }
 
-/// The loop of both directions. `run(text, end, out)` converts what begins at a place that is not ASCII, up
-/// to the next place that is or a little further; `step` takes one sequence or code point of any kind.
-template <class From, class To, class Run, class Step>
-To *Convert(From const *text, From const *end, To *out, Run const &run, Step const &step) noexcept
+/// Converts ASCII elements while there are 32 at a time. Moves both positions on.
+template <class From, class To>
+void CopyWhileAscii(From const *&text, From const *end, To *&out) noexcept
+{
+    constexpr int Step = 2 * VectorUnits;
+    for (; end - text >= Step && AreAscii(text); text += Step, out += Step)
+    {
+        CopyVector(text, out);
+        CopyVector(text + VectorUnits, out + VectorUnits);
+    }
+}
+
+/// The loop of both directions. What is not ASCII goes, in this order, to
+/// - `twoBytes(text, out, others)`: converts what takes two bytes, or says that this is something else;
+/// - `run(text, end, out)`: converts up to the next ASCII element or a little further;
+/// - `step(text, end, out)`: at the end of the text, converts one sequence or code point of any kind.
+template <class From, class To, class TwoBytes, class Run, class Step>
+To *Convert(From const *text, From const *end, To *out, TwoBytes const &twoBytes, Run const &run,
+            Step const &step) noexcept
 {
     // Beyond a block there is always one more vector, so that copies may run over. As each element gives at
     // least one (encoding) or at most one (decoding), what is left of the room is never less than that.
@@ -245,12 +307,19 @@ To *Convert(From const *text, From const *end, To *out, Run const &run, Step con
     {
         From const *const block = text;
         std::uint64_t others = OthersInBlock(block);
+        if (others == 0)
+        {
+            CopyWhileAscii(text, end, out);
+            continue;
+        }
         while (others != 0)
         {
             From const *const next = block + std::countr_zero(others);
             CopyAscii(text, next - text, out);
             out += next - text;
             text = next;
+            if (twoBytes(text, out, others))
+                continue;
             run(text, end, out);
             std::ptrdiff_t const taken = text - block;
             others = taken < BlockUnits ? others & ~std::uint64_t{0} << taken : 0;
@@ -291,22 +360,29 @@ TCodeUnit *DecodeUtf8BySequence(char const *bytes, int count, TCodeUnit *out) no
 
 TCodeUnit *DecodeUtf8(char const *bytes, int count, TCodeUnit *out) noexcept
 {
-    auto const *const text = reinterpret_cast<unsigned char const *>(bytes);
-    return Convert(text, text + count, out, DecodeRun, DecodeStep);
+    auto const *text = reinterpret_cast<unsigned char const *>(bytes);
+    auto const *const end = text + count;
+    // The units of a string's block begin 12 bytes behind an aligned address. Long ASCII text is worth a few
+    // single steps, after which no vector is stored across two cache lines.
+    if (count >= BlockUnits + VectorUnits)
+    {
+        while (*text < 0x80 && reinterpret_cast<std::uintptr_t>(out) % VectorBytes != 0)
+            DecodeStep(text, end, out);
+    }
+    return Convert(
+        text, end, out, [](auto &...state) { return DecodeTwoBytes(state...); },
+        [](auto &...positions) { DecodeRun(positions...); },
+        [](auto &...positions) { DecodeStep(positions...); });
 }
 
 int EncodeAsciiPrefix(TCodeUnit const *text, int count, char *out) noexcept
 {
-    int done = 0;
-    for (; count - done >= VectorUnits; done += VectorUnits)
-    {
-        CopyVector(text + done, out + done);
-        if (std::uint32_t const others = OthersInVector(text + done))
-            return done + std::countr_zero(others);
-    }
-    for (; done < count && text[done] < 0x80; ++done)
-        out[done] = static_cast<char>(text[done]);
-    return done;
+    TCodeUnit const *const begin = text;
+    TCodeUnit const *const end = text + count;
+    CopyWhileAscii(text, end, out);
+    while (text < end && *text < 0x80)
+        EncodeStep(text, end, out);
+    return static_cast<int>(text - begin);
 }
 
 char *EncodeUtf8ByCodePoint(TCodeUnit const *text, int count, char *out) noexcept
@@ -319,7 +395,10 @@ char *EncodeUtf8ByCodePoint(TCodeUnit const *text, int count, char *out) noexcep
 
 char *EncodeUtf8(TCodeUnit const *text, int count, char *out) noexcept
 {
-    return Convert(text, text + count, out, EncodeRun, EncodeStep);
+    return Convert(
+        text, text + count, out, [](auto &...state) { return EncodeTwoBytes(state...); },
+        [](auto &...positions) { EncodeRun(positions...); },
+        [](auto &...positions) { EncodeStep(positions...); });
 }
 
 } // namespace vansys::detail

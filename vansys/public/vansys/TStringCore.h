@@ -7,6 +7,7 @@
 #include "vansys/detail/StringStorage.h"
 
 #include <cstddef>
+#include <cstring>
 #include <functional>
 #include <iosfwd>
 #include <iterator>
@@ -111,14 +112,23 @@ public:
     ~TStringCore() = default;
 
     /// Copies `count` units.
-    TStringCore(TCodeUnit const *text, int count = -1) { assign(text, count); }
+    TStringCore(TCodeUnit const *text, int count = -1)
+    {
+        // What fits inline goes there at once, in a few instructions where the count is known.
+        if (text && static_cast<unsigned int>(count) < vansys::detail::StringStorage::InlineCapacity)
+            std::memcpy(m_storage.setLengthForOverwrite(count), text,
+                        static_cast<unsigned int>(count) * sizeof *text);
+        else
+            construct(text, count);
+    }
+
     TStringCore(TWideTwin const *text, int count = -1) { assign(text, count); }
 
     /// Decodes `count` bytes of UTF-8; see `fromUtf8`.
-    TStringCore(char const *utf8, int count = -1) { assign(utf8, count); }
+    TStringCore(char const *utf8, int count = -1);
     TStringCore(vansys::detail::Utf8Character const *utf8, int count = -1)
+        : TStringCore(reinterpret_cast<char const *>(utf8), count)
     {
-        assign(reinterpret_cast<char const *>(utf8), count);
     }
 
     /// `count` copies of `unit`; none when the count is negative.
@@ -436,6 +446,10 @@ private:
     }
 
     int lastIndex() const noexcept { return isEmpty() ? 0 : length() - 1; }
+
+    // Replace the text by one that does not lie inside this string's own characters.
+    void construct(TCodeUnit const *text, int count);
+    void constructFromUtf8(char const *utf8, int count);
 
     bool inSelf(void const *address) const noexcept;
     TStringCore &appendFromSelf(int position, int count);

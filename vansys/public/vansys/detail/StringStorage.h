@@ -140,8 +140,24 @@ public:
     /// hold anything. A shared block is detached.
     void setLength(int length);
 
-    /// `setLength` for a caller that overwrites everything: nothing is kept, so nothing is copied.
-    void setLengthForOverwrite(int length);
+    /// `setLength` to a length that is not negative, for a caller that overwrites everything: nothing is
+    /// kept, so nothing is copied. Returns the units, for writing.
+    TCodeUnit *setLengthForOverwrite(int length)
+    {
+        if (isHeap() || length >= InlineCapacity)
+            return setLengthForOverwriteOnHeap(length);
+        setInlineLength(length);
+        return m_words.units;
+    }
+
+    /// Cuts off what a caller did not need after all of the room that it has just asked for.
+    void shorten(int length) noexcept
+    {
+        if (isHeap())
+            setBlockLength(length);
+        else
+            setInlineLength(length);
+    }
 
     /// Makes the text empty without allocating: an unshared block is kept, a shared one let go.
     void clear() noexcept { *this = StringStorage(); }
@@ -204,9 +220,23 @@ private:
     static StringBlock *allocate(int capacity);
     static int grownCapacity(int request, int capacity);
 
+    void setInlineLength(int length) noexcept
+    {
+        m_words.units[length] = 0;
+        m_words.lengthWord = static_cast<std::int16_t>(length);
+    }
+
+    void setBlockLength(int length) noexcept
+    {
+        StringBlock *const own = block();
+        own->length = length;
+        own->units()[length] = 0;
+    }
+
     void relocate(int capacity, int kept);
-    void setLength(int length, int kept);
-    void setCapacity(int capacity);
+    void setLengthOnHeap(int length, int kept);
+    TCodeUnit *setLengthForOverwriteOnHeap(int length);
+    void setCapacity(int wanted);
     void copyInlineIntoBlock(StringStorage const &other) noexcept;
     void appendSlowly(TCodeUnit unit);
 
