@@ -1,0 +1,214 @@
+#include "Commands.h"
+
+#include "FileHasher.h"
+#include "Manifest.h"
+#include "Output.h"
+#include "Platform.h"
+#include "Progress.h"
+#include "Report.h"
+#include "Walk.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <system_error>
+
+namespace treehash
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr char const *StandardOutputName = "standard output";
+constexpr std::size_t MaxReportedLines = 20; // A file that is no manifest at all may have millions of them.
+
+/// A manifest cannot hold its own digest.
+void LeaveOutOutput(std::vector<FoundFile> &files, std::string const &output)
+{
+    std::error_code error;
+    fs::path const target = fs::canonical(PathFromName(output), error);
+    if (error)
+        return; // It does not exist yet.
+    auto const isTarget = [&](FoundFile const &file)
+    {
+        // Only the few files of the same name are worth asking the disk about.
+        fs::path const path = PathFromName(file.name);
+        return path.filename() == target.filename() && fs::equivalent(path, target, error);
+    };
+    std::erase_if(files, isTarget);
+}
+
+std::uint64_t TotalSize(std::vector<FoundFile> const &files)
+{
+    std::uint64_t total = 0;
+    for (FoundFile const &file : files)
+        total += file.size;
+    return total;
+}
+
+std::uint64_t TotalSize(std::vector<Entry> const &entries)
+{
+    std::uint64_t total = 0;
+    for (Entry const &entry : entries)
+    {
+        std::error_code error;
+        std::uintmax_t const size = fs::file_size(PathFromName(entry.name), error);
+        total += error ? 0 : size;
+    }
+    return total;
+}
+
+void ReportMalformedLines(Manifest const &manifest, std::string const &name, Report &report)
+{
+    std::size_t const count = manifest.malformedLines.size();
+    for (std::size_t index = 0; index < std::min(count, MaxReportedLines); ++index)
+        report.Failure(name + ":" + std::to_string(manifest.malformedLines[index]),
+                       VantrelException("Malformed line"));
+    if (count > MaxReportedLines)
+        report.Failure(name, VantrelException("More malformed lines follow"));
+}
+
+/// What standard output tells about a file that fails, in the words and with the escapes of coreutils.
+std::string FailureLine(std::string const &name, std::string_view failure)
+{
+    std::string const escaped = EscapedName(name);
+    return (escaped == name ? "" : "\\") + escaped + ": " + std::string(failure) + "\n";
+}
+
+/// Writes the line of every file that can be hashed.
+void WriteEntries(std::vector<FoundFile> const &files, sha2::SHA_TYPE type, Output &output,
+                  Progress &progress, Report &report)
+{
+    FileHasher hasher(progress);
+    for (FoundFile const &file : files)
+    {
+        std::string line;
+        try
+        {
+            line = FormatEntry(hasher.Hash(file.name, type), file.name);
+        }
+        catch (VantrelException const &exception)
+        {
+            report.Failure(file.name, exception);
+            continue;
+        }
+        if (output.IsTerminal())
+            progress.Hide();
+        output.Write(line);
+    }
+}
+
+struct Verification
+{
+    std::size_t matching = 0;
+    std::size_t different = 0;
+    std::size_t unreadable = 0;
+
+    bool IsPassed() const { return different == 0 && unreadable == 0; }
+};
+
+Verification VerifyEntries(std::vector<Entry> const &entries, Output &output, Progress &progress,
+                           Report &report)
+{
+    FileHasher hasher(progress);
+    Verification result;
+    for (Entry const &entry : entries)
+    {
+        std::string_view failure;
+        try
+        {
+            if (hasher.Hash(entry.name, entry.algorithm->type) == entry.digest)
+            {
+                ++result.matching;
+                continue;
+            }
+            ++result.different;
+            failure = "FAILED";
+        }
+        catch (VantrelException const &exception)
+        {
+            report.Failure(entry.name, exception);
+            ++result.unreadable;
+            failure = "FAILED open or read";
+        }
+        if (output.IsTerminal())
+            progress.Hide();
+        output.Write(FailureLine(entry.name, failure));
+    }
+    return result;
+}
+
+Outcome OutcomeOf(bool success)
+{
+    return success ? Outcome::Success : Outcome::Failure;
+}
+
+} // namespace
+
+Outcome CreateManifest(Options const &options)
+{
+    Progress progress;
+    Report report(progress);
+    std::vector<FoundFile> files = FindFiles(options.paths, report);
+    if (options.output)
+        LeaveOutOutput(files, *options.output);
+    progress.Start(files.size(), TotalSize(files));
+
+    Algorithm const &algorithm = options.algorithm != nullptr ? *options.algorithm : DefaultAlgorithm;
+    try
+    {
+        // Opened only now, so that the walk does not find what is being written.
+        Output output(options.output);
+        WriteEntries(files, algorithm.type, output, progress, report);
+        output.Commit();
+    }
+    catch (VantrelException const &exception)
+    {
+        report.Failure(options.output.value_or(StandardOutputName), exception);
+    }
+    return OutcomeOf(!report.HasFailures());
+}
+
+Outcome VerifyManifest(Options const &options)
+{
+    Progress progress;
+    Report report(progress);
+    Manifest manifest;
+    try
+    {
+        manifest = ReadManifest(options.manifest, options.algorithm);
+        // To verify nothing is no success: the file is probably not what the user takes it for.
+        if (manifest.entries.empty())
+            throw VantrelException("Lists no files");
+    }
+    catch (VantrelException const &exception)
+    {
+        report.Failure(options.manifest, exception);
+    }
+    ReportMalformedLines(manifest, options.manifest, report);
+    if (manifest.entries.empty())
+        return Outcome::Failure;
+    progress.Start(manifest.entries.size(), progress.IsShown() ? TotalSize(manifest.entries) : 0);
+
+    try
+    {
+        Output output(std::nullopt);
+        Verification const result = VerifyEntries(manifest.entries, output, progress, report);
+        progress.Hide();
+        output.Write("files: " + std::to_string(manifest.entries.size()) + ", matching: " +
+                     std::to_string(result.matching) + ", different: " + std::to_string(result.different) +
+                     ", unreadable: " + std::to_string(result.unreadable) +
+                     ", malformed lines: " + std::to_string(manifest.malformedLines.size()) + "\n");
+        output.Commit();
+        return OutcomeOf(result.IsPassed() && !report.HasFailures());
+    }
+    catch (VantrelException const &exception)
+    {
+        report.Failure(StandardOutputName, exception);
+        return Outcome::Failure;
+    }
+}
+
+} // namespace treehash

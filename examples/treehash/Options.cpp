@@ -1,0 +1,120 @@
+#include "Options.h"
+
+#include <vansys/VantrelUserErrorException.h>
+
+namespace treehash
+{
+
+std::string_view const UsageText = "Usage: treehash [-a ALGORITHM] [-o FILE] [--] PATH...\n"
+                                   "       treehash [-a ALGORITHM] -c MANIFEST\n"
+                                   "       treehash --help\n";
+
+std::string_view const HelpText = R"(
+Hashes every regular file below each PATH and prints a manifest: one line per file, as sha256sum and its
+relatives print and check them. Or verifies the files that a manifest lists.
+
+  -a ALGORITHM  sha1, sha224, sha256 (the default), sha384 or sha512. With -c: the only one accepted; if
+                it is not given, the length of each digest tells the algorithm.
+  -o FILE       Write the manifest to FILE. It is written under another name in the same folder and takes
+                its place when complete. FILE itself is left out of the manifest. A FILE that is a device
+                or a pipe is written to directly.
+  -c MANIFEST   Verify: print the name of each file that differs or cannot be read, then a summary.
+                Empty lines and lines that begin with # are skipped.
+  --help        Print this text.
+
+The lines are sorted by name, byte by byte. A name is the PATH as given, without doubled slashes, and what
+lies below it. A name that occurs twice is listed once. A PATH of "-" is a file of that name, listed as
+"./-". Names are bytes, and need not be valid in any encoding. A line whose name holds a line feed, a
+carriage return or a backslash begins with a backslash, and has \n, \r and \\ in the name.
+
+A PATH that is a symbolic link is followed; links found on the way are not. Devices, pipes and sockets
+found on the way are skipped. A file or folder that cannot be read, or that changes while it is read, is
+reported on standard error, left out, and the others go on.
+
+A progress bar is shown on standard error when that is a terminal.
+
+Exit status: 0 when everything went well; 1 when something could not be read or written, differs, or is
+malformed, or a manifest lists nothing; 2 for a wrong command line.
+)";
+
+namespace
+{
+
+[[noreturn]] void ThrowUsageError(std::string const &message)
+{
+    throw VantrelUserErrorException(TStringCore::fromStdString(message));
+}
+
+Algorithm const *RequireAlgorithm(std::string const &name)
+{
+    Algorithm const *const algorithm = FindAlgorithm(std::string_view(name));
+    if (algorithm == nullptr)
+        ThrowUsageError("unknown algorithm '" + name + "'");
+    return algorithm;
+}
+
+/// Options that do not go together, and what is missing.
+void RequireConsistency(Options const &options)
+{
+    if (options.command == Command::Verify)
+    {
+        if (options.output)
+            ThrowUsageError("-c and -o do not go together");
+        if (!options.paths.empty())
+            ThrowUsageError("-c takes its files from the manifest; '" + options.paths.front() +
+                            "' is one argument too many");
+    }
+    if (options.command == Command::Create && options.paths.empty())
+        ThrowUsageError("no PATH given");
+}
+
+} // namespace
+
+Options ParseOptions(std::vector<std::string> const &arguments)
+{
+    Options options;
+    bool onlyPathsFollow = false;
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument)
+    {
+        if (onlyPathsFollow || argument->size() < 2 || argument->front() != '-')
+        {
+            options.paths.push_back(*argument);
+            continue;
+        }
+        if (*argument == "--")
+        {
+            onlyPathsFollow = true;
+            continue;
+        }
+        if (*argument == "--help")
+        {
+            options.command = Command::Help;
+            return options;
+        }
+
+        std::string const option = argument->substr(0, 2);
+        if (option != "-a" && option != "-c" && option != "-o")
+            ThrowUsageError("unknown option '" + *argument + "'");
+        std::string value = argument->substr(2); // as in -asha1
+        if (value.empty())
+        {
+            if (++argument == arguments.end())
+                ThrowUsageError("option '" + option + "' needs a value");
+            value = *argument;
+        }
+
+        if (option == "-a")
+            options.algorithm = RequireAlgorithm(value);
+        else if (option == "-o")
+            options.output = value;
+        else
+        {
+            options.command = Command::Verify;
+            options.manifest = value;
+        }
+    }
+    RequireConsistency(options);
+    return options;
+}
+
+} // namespace treehash

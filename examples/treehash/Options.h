@@ -1,0 +1,41 @@
+/// @file
+/// The command line.
+#pragma once
+
+#include "Algorithm.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace treehash
+{
+
+enum class Command
+{
+    Help,
+    Create,
+    Verify
+};
+
+struct Options
+{
+    Command command = Command::Create;
+    Algorithm const *algorithm = nullptr; ///< Null when none was asked for.
+    std::vector<std::string> paths;       ///< What to hash; at least one for `Create`.
+    std::optional<std::string> output;    ///< Where the manifest goes, if not to standard output.
+    std::string manifest;                 ///< What to verify.
+};
+
+/// Takes the arguments without the program's name. Throws a `VantrelUserErrorException` that says what is
+/// wrong with them.
+Options ParseOptions(std::vector<std::string> const &arguments);
+
+/// The first lines of the help.
+extern std::string_view const UsageText;
+
+/// All that `--help` prints after the usage.
+extern std::string_view const HelpText;
+
+} // namespace treehash

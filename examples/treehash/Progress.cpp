@@ -1,0 +1,127 @@
+#include "Progress.h"
+
+#include "Platform.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <iterator>
+
+namespace treehash
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds DrawInterval{100};
+constexpr double MaxShownSeconds = 99 * 3600.0;
+
+/// "532 B", "1.4 MiB".
+std::string ByteText(double bytes)
+{
+    static constexpr char const *Units[] = {" B", " KiB", " MiB", " GiB", " TiB", " PiB", " EiB"};
+    std::size_t unit = 0;
+    while (bytes >= 1024 && unit + 1 < std::size(Units))
+    {
+        bytes /= 1024;
+        ++unit;
+    }
+    char digits[16];
+    auto const result = std::to_chars(std::begin(digits), std::end(digits), bytes, std::chars_format::fixed,
+                                      unit == 0 ? 0 : 1);
+    return std::string(digits, result.ptr) + Units[unit];
+}
+
+/// A colon and two digits.
+std::string MinorPart(long number)
+{
+    return std::string(number < 10 ? ":0" : ":").append(std::to_string(number));
+}
+
+/// "0:07", "1:02:45".
+std::string TimeText(double seconds)
+{
+    long const whole = std::lround(std::min(seconds, MaxShownSeconds));
+    long const minutes = whole / 60;
+    if (minutes < 60)
+        return std::to_string(minutes) + MinorPart(whole % 60);
+    return std::to_string(minutes / 60) + MinorPart(minutes % 60) + MinorPart(whole % 60);
+}
+
+} // namespace
+
+Progress::Progress() : m_columns(TerminalColumns(stderr)) {}
+
+Progress::~Progress()
+{
+    Hide();
+}
+
+void Progress::Start(std::uint64_t totalFiles, std::uint64_t totalBytes)
+{
+    m_totalFiles = totalFiles;
+    m_totalBytes = totalBytes;
+    m_start = Clock::now();
+    m_nextDraw = m_start + DrawInterval;
+}
+
+void Progress::AddBytes(std::uint64_t count)
+{
+    m_bytes += count;
+    if (!IsShown())
+        return;
+    Clock::time_point const now = Clock::now();
+    if (now >= m_nextDraw)
+        Draw(now);
+}
+
+void Progress::AddFile()
+{
+    ++m_files;
+}
+
+void Progress::Hide()
+{
+    if (!m_isDrawn)
+        return;
+    std::fputs("\r\x1b[K", stderr); // to the left edge; erase to the end of the line
+    m_isDrawn = false;
+}
+
+void Progress::Draw(Clock::time_point now)
+{
+    std::string const line = Line(std::chrono::duration<double>(now - m_start).count());
+    std::fputs(("\r" + line + "\x1b[K").c_str(), stderr);
+    m_isDrawn = true;
+    m_nextDraw = now + DrawInterval;
+}
+
+std::string Progress::Line(double elapsedSeconds) const
+{
+    // Files may have grown since they were counted.
+    auto const total = static_cast<double>(std::max(m_totalBytes, m_bytes));
+    auto const done = static_cast<double>(m_bytes);
+    double const share = total > 0 ? done / total : 0;
+    double const rate = elapsedSeconds > 0 ? done / elapsedSeconds : 0;
+
+    std::string const text = std::to_string(static_cast<int>(share * 100)) + "%  " + std::to_string(m_files) +
+                             "/" + std::to_string(m_totalFiles) + " files  " + ByteText(done) + "/" +
+                             ByteText(total) + "  " + ByteText(rate) + "/s  " +
+                             (rate > 0 ? TimeText((total - done) / rate) : "?") + " left";
+
+    // The last column stays free: some terminals begin a new line when it is written to.
+    auto const columns = static_cast<std::size_t>(m_columns - 1);
+    constexpr std::size_t MinBarLength = 10;
+    constexpr std::size_t Frame = 3; // brackets and a space
+    if (columns < text.size() + Frame + MinBarLength)
+        return text.substr(0, columns);
+    std::size_t const barLength = std::min<std::size_t>(columns - text.size() - Frame, 40);
+    auto const filled = static_cast<std::size_t>(share * static_cast<double>(barLength));
+    std::string line = "[";
+    line.append(filled, '#').append(barLength - filled, '.').append("] ").append(text);
+    return line;
+}
+
+} // namespace treehash
