@@ -368,6 +368,7 @@ test_progress()
     script -qec "stty cols 100; '$treehash' -o long.txt long" terminal >/dev/null </dev/null
     grep -qE '\[#*\.*\] [0-9]+%  0/1 files  [0-9.]+ MiB/512\.0 MiB  [0-9.]+ [KMG]iB/s  [0-9:]+ left' terminal ||
         fail "no progress bar on a terminal: $(head -c 300 terminal | od -c | head -n 20)"
+    grep -q $'left\x1b\\[K\r\x1b\\[K' terminal || fail "the progress bar is not taken off the terminal"
     expect_same out long.txt
 }
 

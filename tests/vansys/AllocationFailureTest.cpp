@@ -103,6 +103,7 @@ std::u16string const Inline = u"fourteen units";
 std::u16string const OnHeap = u"a text that is too long to be held inline";
 std::string const Utf8 = "thirty-two bytes of narrow text \xE2\x82\xAC";
 std::wstring const Wide = L"thirty-two elements of wide text";
+constexpr auto WidePair = static_cast<wchar_t>(0x1F600); // two units, where `wchar_t` can hold it
 
 } // namespace
 
@@ -131,7 +132,7 @@ TEST(AllocationFailure, MutatorsLeaveTheTextAsItWas)
         {"assign from itself", [](TStringCore &s) { s.assign(s.constData() + 1, 5); }},
         {"assign UTF-8", [](TStringCore &s) { s = Utf8.c_str(); }},
         {"assign wide", [](TStringCore &s) { s = Wide.c_str(); }},
-        {"assign wide unit", [](TStringCore &s) { s.fill(L'\U0001F600', 30); }},
+        {"assign wide unit", [](TStringCore &s) { s.fill(WidePair, 30); }},
         {"fill", [](TStringCore &s) { s.fill(u'x', 100); }},
         {"resize", [](TStringCore &s) { s.resize(100); }},
         {"truncate", [](TStringCore &s) { s.truncate(3); }},
@@ -198,7 +199,7 @@ TEST(AllocationFailure, ConstructorsAndConversionsReleaseWhatTheyBuilt)
         [] { TStringCore const built(Utf8.c_str()); },
         [] { TStringCore const built(Wide.c_str()); },
         [] { TStringCore const built(u'x', 40); },
-        [] { TStringCore const built(L'\U0001F600', 40); },
+        [] { TStringCore const built(WidePair, 40); },
         [] { TStringCore::fromLatin9(Utf8.c_str()); },
         [&] { TStringCore::fromUtf32(codePoints.data(), 40); },
         [&] { (void)text.toStdString(); },

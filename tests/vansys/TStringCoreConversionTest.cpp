@@ -52,6 +52,35 @@ TEST(TStringCoreConversion, DecodesUtf8)
     }
 }
 
+TEST(TStringCoreConversion, LeadBytesTakeTheirContinuationBytes)
+{
+    struct Range
+    {
+        unsigned int first, last;
+        int continuations;
+    };
+
+    for (Range const range : {Range{0x80, 0xBF, 0},
+                              {0xC0, 0xDF, 1},
+                              {0xE0, 0xEF, 2},
+                              {0xF0, 0xF7, 3},
+                              {0xF8, 0xFB, 4},
+                              {0xFC, 0xFD, 5},
+                              {0xFE, 0xFF, 0}})
+    {
+        for (unsigned int lead = range.first; lead <= range.last; ++lead)
+        {
+            // A lead byte holds the top bits; what it does not take stands alone.
+            unsigned int const value =
+                range.continuations ? (lead - range.first) << 6 * range.continuations : 0xFFFD;
+            std::string const bytes = static_cast<char>(lead) + std::string(5, '\x80');
+            TStringCore const rest(u'\uFFFD', 5 - range.continuations);
+            EXPECT_EQ(TStringCore::fromStdString(bytes), TStringCore::fromUtf32(&value, 1).append(rest))
+                << lead;
+        }
+    }
+}
+
 // A sequence that is one byte short of its end: the byte at `count` decides. One that is shorter still is
 // given up at once, and each of its bytes stands alone.
 TEST(TStringCoreConversion, CountedUtf8LooksAtTheByteBehind)
@@ -85,6 +114,13 @@ TEST(TStringCoreConversion, UnitsSurviveUtf8)
           {{0xDC00, 0xD800, u'x'}, "\xED\xB0\x80\xED\xA0\x80x"},
           {{0xD83D, 0xD83D, 0xDE00}, "\xED\xA0\xBD\xF0\x9F\x98\x80"}})
         EXPECT_EQ(TStringCore(row.text).toStdString(), row.expected);
+
+    // Long text is encoded in portions: none may end within a pair.
+    for (std::size_t before = 2046; before <= 2048; ++before)
+    {
+        std::u16string const text = std::u16string(before, u'\u00e9') + u"\U0001F600";
+        EXPECT_EQ(TStringCore(text).toStdString().substr(2 * before), "\xF0\x9F\x98\x80");
+    }
 }
 
 TEST(TStringCoreConversion, Utf32)
@@ -107,6 +143,8 @@ TEST(TStringCoreConversion, WideText)
     EXPECT_EQ(TStringCore::fromStdWString(wide), text);
     EXPECT_EQ(text.toStdWString(), wide);
     EXPECT_EQ(TStringCore::fromStdUString(text.toStdUString()), text);
+    EXPECT_EQ(TStringCore::fromStdWString(L"a\0b"s), TStringCore(u"a\0b", 3));
+    EXPECT_EQ(TStringCore::fromStdUString(u"a\0b"s), TStringCore(u"a\0b", 3));
     EXPECT_EQ(TStringCore::fromUtf16(u"abc", 2), u"ab");
 
     auto const vector = text.toWCharVector();
@@ -156,7 +194,7 @@ TEST(TStringCoreConversion, LatinCodePages)
         EXPECT_TRUE(complete);
         EXPECT_EQ(from("a\xE9", -1), u"a\u00e9");
         EXPECT_EQ(from(nullptr, 4), u"");
-        EXPECT_EQ((TStringCore(u"\u0416x\U0001F600").*to)(&complete), "?x?");
+        EXPECT_EQ((TStringCore(u"\u0100x\U0001F600").*to)(&complete), "?x?");
         EXPECT_FALSE(complete);
         EXPECT_EQ((TStringCore(u"\u0416").*to)(nullptr), "?");
     }
@@ -169,12 +207,12 @@ TEST(TStringCoreConversion, LatinCodePages)
 
 TEST(TStringCoreConversion, ByteOrderMark)
 {
-    TStringCore text = u"x";
+    TStringCore text(u"x\0y", 3);
     EXPECT_FALSE(text.hasBOM());
     EXPECT_FALSE(TStringCore().hasBOM());
     text.prependBOM();
     text.prependBOM();
-    EXPECT_EQ(text, u"\uFEFF\uFEFFx");
+    EXPECT_EQ(text.toStdUString(), u"\uFEFF\uFEFFx\0y"s);
     text.removeBOM();
-    EXPECT_TRUE(text.hasBOM());
+    EXPECT_EQ(text.toStdUString(), u"\uFEFFx\0y"s);
 }

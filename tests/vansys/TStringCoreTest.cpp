@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <compare>
 #include <functional>
 #include <limits>
 #include <map>
@@ -18,6 +19,9 @@ namespace
 
 TStringCore const Short = u"fourteen units";
 TStringCore const Long = u"a text that is too long to be held inline";
+
+/// A code point that takes two units, where `wchar_t` can hold it.
+constexpr auto WidePair = static_cast<wchar_t>(0x1F600);
 
 template <class Function>
 std::string messageOf(Function const &function)
@@ -102,6 +106,7 @@ TEST(TStringCore, ReserveAndSqueeze)
             text.reserve(row.reserved);
             EXPECT_EQ(text.capacity(), row.capacity);
             EXPECT_EQ(text, TStringCore(u'x', row.length));
+            EXPECT_EQ(text.constData()[row.length], 0);
             if (row.length >= 15)
             {
                 EXPECT_NE(text.constData(), copy.constData());
@@ -121,6 +126,9 @@ TEST(TStringCore, CopiesShareUntilOneIsWritten)
     TStringCore const original = unsharedCopy(Long);
     TStringCore copy = original;
     EXPECT_EQ(copy.constData(), original.constData());
+    copy.append("").append(u"").append(TStringCore()).truncate(500);
+    copy.removeBOM();
+    EXPECT_EQ(copy.constData(), original.constData()) << "nothing was written";
     copy[0] = u'A';
     EXPECT_NE(copy.constData(), original.constData());
     EXPECT_EQ(copy.capacity(), original.capacity());
@@ -138,6 +146,13 @@ TEST(TStringCore, AssignmentKeepsReleasesOrSharesTheBlock)
     EXPECT_EQ(target, Short);
     EXPECT_EQ(target.constData(), block) << "an unshared block is kept for an inline text";
     EXPECT_EQ(target.capacity(), 64);
+    EXPECT_EQ(target.constData()[14], 0);
+    TStringCore const &sameTarget = target;
+    target = sameTarget;
+    EXPECT_EQ(target.constData(), block) << "the only owner is assigned to itself";
+    target.clear();
+    EXPECT_EQ(target.constData(), block) << "clearing keeps it, too";
+    target = Short;
 
     {
         TStringCore const other = target;
@@ -170,10 +185,12 @@ TEST(TStringCore, MovedFromIsEmptyAndInline)
         EXPECT_EQ(target, content);
         EXPECT_TRUE(source.isEmpty());
         EXPECT_EQ(source.capacity(), 15);
+        EXPECT_EQ(source.constData()[0], 0);
         TStringCore assigned = unsharedCopy(Long);
         assigned = std::move(target);
         EXPECT_EQ(assigned, content);
         EXPECT_EQ(target.capacity(), 15);
+        EXPECT_EQ(target.constData()[0], 0);
         TStringCore &same = assigned;
         assigned = std::move(same);
         EXPECT_EQ(assigned, content);
@@ -230,8 +247,17 @@ TEST(TStringCore, MutatorsOnInlineUnsharedAndSharedText)
         {"assign UTF-8", [](TStringCore &s) { s = "UTF-8 \xE2\x82\xAC"; },
          [](auto) { return u"UTF-8 \u20ac"s; }},
         {"assign wide", [](TStringCore &s) { s = L"wide"; }, [](auto) { return u"wide"s; }},
+        {"assign its own bytes as narrow text",
+         [](TStringCore &s) { s.assign(reinterpret_cast<char const *>(s.constData()), 3); },
+         [](auto t) {
+             return std::u16string{t[0], u'\0', t[1]};
+         }},
         {"assign null", [](TStringCore &s) { s = nullptr; }, [](auto) { return u""s; }},
-        {"assign null text", [](TStringCore &s) { s.assign(static_cast<wchar_t const *>(nullptr)); },
+        {"assign null UTF-8", [](TStringCore &s) { s.assign(static_cast<char const *>(nullptr)); },
+         [](auto) { return u""s; }},
+        {"assign null text", [](TStringCore &s) { s.assign(static_cast<char16_t const *>(nullptr)); },
+         [](auto) { return u""s; }},
+        {"assign null wide", [](TStringCore &s) { s.assign(static_cast<wchar_t const *>(nullptr)); },
          [](auto) { return u""s; }},
         {"assign unit", [](TStringCore &s) { s = u'x'; }, [](auto) { return u"x"s; }},
         {"assign braces", [](TStringCore &s) { s = {}; }, [](auto) { return u""s; }},
@@ -299,6 +325,18 @@ TEST(TStringCore, MutatorsOnInlineUnsharedAndSharedText)
     }
 }
 
+TEST(TStringCore, UncountedTextFromItselfEndsAtAZeroUnit)
+{
+    for (std::u16string const &tail : {u"c"s, std::u16string(40, u'c')})
+    {
+        TStringCore text(u"ab\0"s + tail);
+        text.append(text.constData() + 1);
+        EXPECT_EQ(text.toStdUString(), u"ab\0"s + tail + u"b");
+        text.assign(text.constData() + 1);
+        EXPECT_EQ(text, u"b");
+    }
+}
+
 TEST(TStringCore, IndexingReachesTheTerminatorAndNoFurther)
 {
     TStringCore text = u"abc";
@@ -310,6 +348,9 @@ TEST(TStringCore, IndexingReachesTheTerminatorAndNoFurther)
     text[3u] = u'!';
     EXPECT_EQ(constant[3LL], u'!');
     text[3] = 0;
+    TStringCore nothing;
+    EXPECT_EQ(&nothing.back(), nothing.constData());
+    EXPECT_EQ(&nothing.front(), nothing.constData());
 
     long long const wrapsToOne = (1LL << 32) + 1;
 
@@ -353,7 +394,7 @@ TEST(TStringCore, ImpossibleSizesThrowAndLeaveTheText)
                                {[&] { text.resize(Max); }, overflow},
                                {[&] { text.resize(1 << 30); }, overflow},
                                {[&] { text.fill(u'x', Max); }, overflow},
-                               {[&] { text.fill(L'\U0001F600', Max); }, overflow},
+                               {[&] { text.fill(WidePair, Max); }, overflow},
                                {[&] { text.append(u"x", Max); }, overflow},
                                {[&] { text.append("x", Max - 14); }, overflow}})
             EXPECT_EQ(messageOf(row.grow), row.message);
@@ -365,7 +406,7 @@ TEST(TStringCore, CharactersAndPointersOfEveryType)
 {
     EXPECT_EQ(TStringCore('\xE9', 1), u"\u00e9");
     EXPECT_EQ(TStringCore(u'x', -3), u"");
-    EXPECT_EQ(TStringCore(L'\U0001F600', 2), u"\U0001F600\U0001F600");
+    EXPECT_EQ(TStringCore(WidePair, 2), sizeof(wchar_t) == 4 ? u"\U0001F600\U0001F600" : u"\uF600\uF600");
     EXPECT_EQ(TStringCore(u8"\u20ac"), u"\u20ac");
     EXPECT_EQ(TStringCore(u"a\0b", 3).length(), 3);
     EXPECT_EQ(TStringCore(u"abc", 0), u"");
@@ -401,9 +442,26 @@ TEST(TStringCore, ComparesByCodeUnitOverTheWholeText)
         }
     }
     TStringCore const text = u"b";
-    EXPECT_TRUE(text == "b" && "b" == text && L"b" == text && text != u"c");
-    EXPECT_TRUE(u"a" < text && text < "c" && text > L"a" && L"b" <= text && "b" >= text);
+    auto const liesBetween = [&](auto const *lower, auto const *same, auto const *higher)
+    {
+        return lower < text && lower <= text && lower != text && text > lower && text >= lower &&
+               same == text && text == same && same <= text && text <= same && same >= text && text >= same &&
+               higher > text && higher >= text && text != higher && text < higher && text <= higher &&
+               !(same != text || text != same || same < text || text < same || same > text || text > same);
+    };
+    EXPECT_TRUE(liesBetween("a", "b", "c"));
+    EXPECT_TRUE(liesBetween(u"a", u"b", u"c"));
+    EXPECT_TRUE(liesBetween(L"a", L"b", L"c"));
     EXPECT_TRUE(TStringCore() == static_cast<TCodeUnit const *>(nullptr));
+}
+
+// Pairs and containers ask for the three-way operator, which exists for pointers, too.
+TEST(TStringCore, PairsCompareTheirTextsNotTheirAddresses)
+{
+    auto const order = std::pair(unsharedCopy(Long), 1) <=> std::pair(unsharedCopy(Long), 1);
+    EXPECT_TRUE(order == std::strong_ordering::equal);
+    EXPECT_TRUE((TStringCore(u"a") <=> u"b") < 0);
+    EXPECT_TRUE(("b" <=> TStringCore(u"a")) > 0);
 }
 
 TEST(TStringCore, HashFollowsEquality)

@@ -4,6 +4,8 @@
 #include "vansys/VantrelOutOfMemoryException.h"
 #include "vansys/VantrelUserErrorException.h"
 
+#include "support/DebugOutput.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -29,6 +31,10 @@ TEST(VantrelException, StacksMessages)
     VantrelException const copy = exception;
     exception.SetMessage("only");
     EXPECT_EQ(exception.GetMessages(), Messages{"only"});
+    exception.SetMessage(u"units");
+    EXPECT_EQ(exception.GetMessages(), Messages{"units"});
+    exception.SetMessage(L"");
+    EXPECT_TRUE(exception.GetMessages().empty());
     EXPECT_EQ(copy.GetMessages().size(), 3u);
     exception = copy;
     EXPECT_EQ(exception.GetMessages(), copy.GetMessages());
@@ -101,18 +107,21 @@ TEST(ThrowLogicException, WithoutHookThrowsAndWritesToTheDebugger)
     char const *const expected =
         "LogicAssert failed (but no hook has been set) at vansys/main/icu/Calendar44 "
         "line 61: U_SUCCESS(status)";
-    testing::internal::CaptureStderr();
-    try
-    {
-        ThrowLogicException("vansys/main/icu/Calendar44", 61, "U_SUCCESS(status)");
-        FAIL();
-    }
-    catch (VantrelException const &exception)
-    {
-        EXPECT_EQ(exception.GetMessages(), Messages{expected});
-        EXPECT_TRUE(exception.GetRedactedMessages().empty());
-    }
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), std::string(expected) + "\n");
+    EXPECT_EQ(debugOutputOf(
+                  [&]
+                  {
+                      try
+                      {
+                          ThrowLogicException("vansys/main/icu/Calendar44", 61, "U_SUCCESS(status)");
+                          ADD_FAILURE();
+                      }
+                      catch (VantrelException const &exception)
+                      {
+                          EXPECT_EQ(exception.GetMessages(), Messages{expected});
+                          EXPECT_TRUE(exception.GetRedactedMessages().empty());
+                      }
+                  }),
+              expected);
 }
 
 TEST(ThrowLogicException, HookDecides)

@@ -76,7 +76,7 @@ TStringCore VantrelException::CollateMessagesForLog() const
     for (TStringCore const &message : *m_messages)
     {
         result.append(message);
-        if (message.isEmpty() || message.back() != u'\n')
+        if (message.back() != u'\n')
             result.append(u'\n');
     }
     return result;

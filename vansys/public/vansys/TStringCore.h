@@ -80,6 +80,8 @@ enum class Utf8Character : unsigned char
 ///   reader that relies on it.
 /// - `data()`, `begin()`, `front()`, `s[i]` and the like detach on a string that is not const. Use
 ///   `constData()`, `cbegin()` or `at()` to read.
+/// - Where a function wants a pointer, the text ends at its first zero unit; `std::u16string(s)` takes the
+///   pointer. Use `toStdUString()`, or the view.
 class VANSYS_API TStringCore
 {
 public:
@@ -185,6 +187,7 @@ public:
     /// Replaces the text by `count` copies of `unit`; by none when the count is negative.
     TStringCore &fill(TCodeUnit unit, int count) { return assign(unit, count); }
     TStringCore &fill(TWideTwin codePoint, int count) { return assign(codePoint, count); }
+    TStringCore &fill(char byte, int count) { return assign(byte, count); }
 
     /// Exchanges the storage of both strings.
     void swap(TStringCore &other) noexcept { m_storage.swap(other.m_storage); }
@@ -486,6 +489,11 @@ private:
 };
 
 static_assert(sizeof(TStringCore) == 32 && sizeof(TStringCore::Exception) == 32);
+
+/// `stream << text` would print an address. Write `stream << text.toStdString()`.
+template <class Character, class Traits>
+std::basic_ostream<Character, Traits> &operator<<(std::basic_ostream<Character, Traits> &,
+                                                  TStringCore const &) = delete;
 
 /// Prints the text, quoted and with escapes, where GoogleTest shows a value.
 VANSYS_API void PrintTo(TStringCore const &text, std::ostream *out);

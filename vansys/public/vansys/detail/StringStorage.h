@@ -160,7 +160,11 @@ public:
     }
 
     /// Makes the text empty without allocating: an unshared block is kept, a shared one let go.
-    void clear() noexcept { *this = StringStorage(); }
+    void clear() noexcept
+    {
+        StringStorage const empty;
+        *this = empty; // by copy: a move would give the block back
+    }
 
     /// Makes room for at least `length` units and the terminator.
     void reserve(int length);
