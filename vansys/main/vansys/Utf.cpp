@@ -301,6 +301,7 @@ template <class From, class To, class TwoBytes, class Run, class Step>
 To *Convert(From const *text, From const *end, To *out, TwoBytes const &twoBytes, Run const &run,
             Step const &step) noexcept
 {
+    From const *const begin = text;
     // Beyond a block there is always one more vector, so that copies may run over. As each element gives at
     // least one (encoding) or at most one (decoding), what is left of the room is never less than that.
     while (end - text >= BlockUnits + VectorUnits)
@@ -341,6 +342,14 @@ To *Convert(From const *text, From const *end, To *out, TwoBytes const &twoBytes
         out += ascii;
         if (others)
             step(text, end, out);
+    }
+    // Most text ends in ASCII: one more vector ends with it. What it begins with has been converted before,
+    // element by element, so that converting it again changes nothing.
+    if (text < end && end - begin >= VectorUnits && OthersInVector(end - VectorUnits) == 0)
+    {
+        std::ptrdiff_t const rest = end - text;
+        CopyVector(end - VectorUnits, out + rest - VectorUnits);
+        return out + rest;
     }
     while (text < end)
         step(text, end, out);
