@@ -19,8 +19,6 @@ namespace treehash
 namespace
 {
 
-namespace fs = std::filesystem;
-
 constexpr char const *StandardOutputName = "standard output";
 constexpr std::size_t MaxReportedLines = 20; // A file that is no manifest at all may have millions of them.
 
@@ -28,15 +26,14 @@ constexpr std::size_t MaxReportedLines = 20; // A file that is no manifest at al
 void LeaveOutOutput(std::vector<FoundFile> &files, std::string const &output)
 {
     std::error_code error;
-    fs::path const target = fs::canonical(PathFromName(output), error);
+    std::uint64_t const size = StatusOf(output, error).size;
+    std::string const target = CanonicalName(output, error);
     if (error)
         return; // It does not exist yet.
+    // Only the few files of the same size are worth asking the disk about. They are told apart by their
+    // names, because another link to the same file keeps what it holds when the manifest takes its place.
     auto const isTarget = [&](FoundFile const &file)
-    {
-        // Only the few files of the same name are worth asking the disk about.
-        fs::path const path = PathFromName(file.name);
-        return path.filename() == target.filename() && fs::equivalent(path, target, error);
-    };
+    { return file.size == size && CanonicalName(file.name, error) == target; };
     std::erase_if(files, isTarget);
 }
 
@@ -54,8 +51,7 @@ std::uint64_t TotalSize(std::vector<Entry> const &entries)
     for (Entry const &entry : entries)
     {
         std::error_code error;
-        std::uintmax_t const size = fs::file_size(PathFromName(entry.name), error);
-        total += error ? 0 : size;
+        total += StatusOf(entry.name, error).size;
     }
     return total;
 }

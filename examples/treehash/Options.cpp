@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "Platform.h"
+
 #include <vansys/VantrelUserErrorException.h>
 
 namespace treehash
@@ -24,8 +26,9 @@ relatives print and check them. Or verifies the files that a manifest lists.
 
 The lines are sorted by name, byte by byte. A name is the PATH as given, without doubled slashes, and what
 lies below it. A name that occurs twice is listed once. A PATH of "-" is a file of that name, listed as
-"./-". Names are bytes, and need not be valid in any encoding. A line whose name holds a line feed, a
-carriage return or a backslash begins with a backslash, and has \n, \r and \\ in the name.
+"./-". Names are bytes, and need not be valid in any encoding; on Windows they are UTF-8, with slashes for
+backslashes. A line whose name holds a line feed, a carriage return or a backslash begins with a backslash,
+and has \n, \r and \\ in the name.
 
 A PATH that is a symbolic link is followed; links found on the way are not. Devices, pipes and sockets
 found on the way are skipped. A file or folder that cannot be read, or that changes while it is read, is
@@ -78,7 +81,7 @@ Options ParseOptions(std::vector<std::string> const &arguments)
     {
         if (onlyPathsFollow || argument->size() < 2 || argument->front() != '-')
         {
-            options.paths.push_back(*argument);
+            options.paths.push_back(NameFromArgument(*argument));
             continue;
         }
         if (*argument == "--")
@@ -106,11 +109,11 @@ Options ParseOptions(std::vector<std::string> const &arguments)
         if (option == "-a")
             options.algorithm = RequireAlgorithm(value);
         else if (option == "-o")
-            options.output = value;
+            options.output = NameFromArgument(value);
         else
         {
             options.command = Command::Verify;
-            options.manifest = value;
+            options.manifest = NameFromArgument(value);
         }
     }
     RequireConsistency(options);

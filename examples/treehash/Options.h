@@ -19,6 +19,7 @@ enum class Command
     Verify
 };
 
+/// Files are given by their names; see Platform.h.
 struct Options
 {
     Command command = Command::Create;

@@ -9,22 +9,19 @@
 namespace treehash
 {
 
-namespace fs = std::filesystem;
-
 Output::Temporary::~Temporary()
 {
-    std::error_code ignored;
-    if (!m_path.empty())
-        fs::remove(m_path, ignored);
+    if (!m_name.empty())
+        RemoveFile(m_name);
 }
 
-void Output::Temporary::RenameTo(fs::path const &target)
+void Output::Temporary::RenameTo(std::string const &target)
 {
     std::error_code error;
-    fs::rename(m_path, target, error);
+    RenameFile(m_name, target, error);
     if (error)
         ThrowSystemError(error);
-    m_path.clear();
+    m_name.clear();
 }
 
 void Output::Closer::operator()(std::FILE *file) const
@@ -42,25 +39,25 @@ Output::Output(std::optional<std::string> const &name)
         return;
     }
 
-    m_target = PathFromName(*name);
+    m_target = *name;
     std::error_code error;
-    if (fs::is_symlink(m_target, error))
+    if (IsLink(m_target))
     {
-        m_target = fs::canonical(m_target, error);
+        m_target = CanonicalName(m_target, error);
         if (error)
             ThrowSystemError(error);
     }
-    fs::file_status const status = fs::status(m_target, error);
-    if (fs::exists(status) && !fs::is_regular_file(status))
+    FileKind const kind = StatusOf(m_target, error).kind;
+    if (kind != FileKind::None && kind != FileKind::Regular)
     {
-        m_file.reset(OpenForWriting(NameFromPath(m_target), Create::OrReplace));
+        m_file.reset(OpenForWriting(m_target, Create::OrReplace));
         return;
     }
     OpenTemporary();
-    if (fs::exists(status))
+    if (kind == FileKind::Regular)
     {
         // What was not for everybody's eyes stays so.
-        fs::permissions(m_temporary->Path(), status.permissions(), error);
+        CopyPermissions(m_target, m_temporary->Name(), error);
         if (error)
             ThrowSystemError(error);
     }
@@ -70,10 +67,11 @@ void Output::OpenTemporary()
 try
 {
     // A short name, which fits also where that of the target takes all that the system allows.
-    fs::path path = m_target.parent_path() / (".treehash-" + std::to_string(std::random_device()()));
+    std::string name =
+        m_target.substr(0, m_target.rfind('/') + 1) + ".treehash-" + std::to_string(std::random_device()());
     m_interruptGuard.emplace();
-    m_file.reset(OpenForWriting(NameFromPath(path), Create::NewFile));
-    m_temporary.emplace(std::move(path));
+    m_file.reset(OpenForWriting(name, Create::NewFile));
+    m_temporary.emplace(std::move(name));
 }
 catch (VantrelException const &)
 {
@@ -82,7 +80,8 @@ catch (VantrelException const &)
 
 void Output::Write(std::string_view text)
 {
-    if (std::fwrite(text.data(), 1, text.size(), m_file.get()) != text.size())
+    if (std::fwrite(text.data(), 1, text.size(), m_file.get()) != text.size() ||
+        (m_isTerminal && std::fflush(m_file.get()) != 0))
         ThrowSystemError();
 }
 

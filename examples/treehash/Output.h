@@ -5,11 +5,11 @@
 #include "Platform.h"
 
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace treehash
 {
@@ -37,18 +37,18 @@ private:
     class Temporary
     {
     public:
-        explicit Temporary(std::filesystem::path path) noexcept : m_path(std::move(path)) {}
+        explicit Temporary(std::string name) noexcept : m_name(std::move(name)) {}
 
         ~Temporary();
         Temporary(Temporary const &) = delete;
         Temporary &operator=(Temporary const &) = delete;
 
-        std::filesystem::path const &Path() const { return m_path; }
+        std::string const &Name() const { return m_name; }
 
-        void RenameTo(std::filesystem::path const &target);
+        void RenameTo(std::string const &target);
 
     private:
-        std::filesystem::path m_path;
+        std::string m_name;
     };
 
     /// Leaves standard output open.
@@ -60,7 +60,7 @@ private:
     void OpenTemporary();
 
     bool m_isTerminal = false;
-    std::filesystem::path m_target;
+    std::string m_target;
     // In this order: the file is closed, then removed, then an interrupt takes its course.
     std::optional<InterruptGuard> m_interruptGuard;
     std::optional<Temporary> m_temporary;

@@ -2,10 +2,12 @@
 
 #include <vansys/VantrelException.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <iterator>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -16,6 +18,8 @@ namespace treehash
 
 namespace
 {
+
+namespace fs = std::filesystem;
 
 constexpr int EndingSignals[] = {SIGHUP, SIGINT, SIGTERM};
 
@@ -37,7 +41,7 @@ int OpenForReading(std::string const &name, InputFile::Accept accept)
     return descriptor;
 }
 
-struct stat StatusOf(int descriptor)
+struct stat RequireStatus(int descriptor)
 {
     struct stat status;
     if (fstat(descriptor, &status) != 0)
@@ -45,16 +49,52 @@ struct stat StatusOf(int descriptor)
     return status;
 }
 
-} // namespace
-
-std::filesystem::path PathFromName(std::string const &name)
+FolderEntry EntryOf(fs::directory_entry const &found)
 {
-    return name;
+    FolderEntry entry{found.path().filename().native(), {}, {}};
+    if (found.is_symlink(entry.error))
+        entry.status.kind = FileKind::Link;
+    else if (found.is_directory(entry.error))
+        entry.status.kind = FileKind::Folder;
+    else if (found.is_regular_file(entry.error))
+    {
+        std::error_code error;
+        std::uintmax_t const size = found.file_size(error);
+        // An unknown size is 0: the file is about to be reported when it is opened.
+        entry.status = {FileKind::Regular, error ? 0 : size};
+    }
+    else if (!entry.error)
+        entry.status.kind = FileKind::Other;
+    return entry;
 }
 
-std::string NameFromPath(std::filesystem::path const &path)
+int DescriptorOf(std::intptr_t handle)
 {
-    return path.native();
+    return static_cast<int>(handle);
+}
+
+} // namespace
+
+StandardStreams::StandardStreams() = default;
+
+StandardStreams::~StandardStreams() = default;
+
+void WriteMessage(std::string_view text)
+{
+    std::fwrite(text.data(), 1, text.size(), stderr); // which has no buffer
+}
+
+std::vector<std::string> CommandLineArguments(int count, char **arguments)
+{
+    return {arguments + std::min(count, 1), arguments + count};
+}
+
+std::string NameFromArgument(std::string const &argument)
+{
+    std::string name = argument;
+    auto const doubled = [](char first, char second) { return first == '/' && second == '/'; };
+    name.erase(std::unique(name.begin(), name.end(), doubled), name.end());
+    return name;
 }
 
 void ThrowSystemError(std::error_code error)
@@ -67,37 +107,94 @@ void ThrowSystemError()
     ThrowSystemError({errno, std::generic_category()});
 }
 
+FileStatus StatusOf(std::string const &name, std::error_code &error)
+{
+    struct stat status;
+    if (stat(name.c_str(), &status) != 0)
+    {
+        error.assign(errno, std::generic_category());
+        return {};
+    }
+    error.clear();
+    if (S_ISDIR(status.st_mode))
+        return {FileKind::Folder};
+    if (S_ISREG(status.st_mode))
+        return {FileKind::Regular, static_cast<std::uint64_t>(status.st_size)};
+    return {FileKind::Other};
+}
+
+void VisitFolder(std::string const &folder, std::function<void(FolderEntry const &)> const &visitor,
+                 std::error_code &error)
+{
+    fs::directory_iterator entry(folder, error);
+    while (!error && entry != fs::directory_iterator())
+    {
+        visitor(EntryOf(*entry));
+        entry.increment(error);
+    }
+}
+
+bool IsLink(std::string const &name)
+{
+    std::error_code error;
+    return fs::is_symlink(name, error);
+}
+
+std::string CanonicalName(std::string const &name, std::error_code &error)
+{
+    return fs::canonical(name, error).native();
+}
+
+void CopyPermissions(std::string const &from, std::string const &to, std::error_code &error)
+{
+    fs::file_status const status = fs::status(from, error);
+    if (!error)
+        fs::permissions(to, status.permissions(), error);
+}
+
+void RenameFile(std::string const &from, std::string const &to, std::error_code &error)
+{
+    fs::rename(from, to, error);
+}
+
+void RemoveFile(std::string const &name)
+{
+    unlink(name.c_str());
+}
+
 InputFile::InputFile(std::string const &name, Accept accept) : InputFile(OpenForReading(name, accept))
 {
-    struct stat const status = StatusOf(m_descriptor);
+    struct stat const status = RequireStatus(DescriptorOf(m_handle));
     if (accept == Accept::RegularFiles && !S_ISREG(status.st_mode))
         throw VantrelException(S_ISDIR(status.st_mode) ? "Is a directory" : "Not a regular file");
-    m_size = status.st_size;
-    m_changeSeconds = status.st_mtim.tv_sec;
-    m_changeNanoseconds = status.st_mtim.tv_nsec;
+    m_version = CurrentVersion();
 }
 
 InputFile::~InputFile()
 {
-    close(m_descriptor);
+    close(DescriptorOf(m_handle));
 }
 
 std::size_t InputFile::Read(unsigned char *buffer, std::size_t size)
 {
     ssize_t count;
     do
-        count = read(m_descriptor, buffer, size);
+        count = read(DescriptorOf(m_handle), buffer, size);
     while (count < 0 && errno == EINTR);
     if (count < 0)
         ThrowSystemError();
     return static_cast<std::size_t>(count);
 }
 
+InputFile::Version InputFile::CurrentVersion() const
+{
+    struct stat const status = RequireStatus(DescriptorOf(m_handle));
+    return {static_cast<std::uint64_t>(status.st_size), status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
 void InputFile::RequireUnchanged() const
 {
-    struct stat const status = StatusOf(m_descriptor);
-    if (m_size != status.st_size || m_changeSeconds != status.st_mtim.tv_sec ||
-        m_changeNanoseconds != status.st_mtim.tv_nsec)
+    if (CurrentVersion() != m_version)
         throw VantrelException("Changed while it was read");
 }
 

@@ -86,14 +86,15 @@ void Progress::Hide()
 {
     if (!m_isDrawn)
         return;
-    std::fputs("\r\x1b[K", stderr); // to the left edge; erase to the end of the line
+    WriteMessage('\r' + std::string(LineLength(), ' ') + '\r');
     m_isDrawn = false;
 }
 
 void Progress::Draw(Clock::time_point now)
 {
-    std::string const line = Line(std::chrono::duration<double>(now - m_start).count());
-    std::fputs(("\r" + line + "\x1b[K").c_str(), stderr);
+    std::string line = Line(std::chrono::duration<double>(now - m_start).count());
+    line.resize(LineLength(), ' '); // Spaces are the way to erase that every terminal knows.
+    WriteMessage('\r' + line);
     m_isDrawn = true;
     m_nextDraw = now + DrawInterval;
 }
@@ -111,13 +112,11 @@ std::string Progress::Line(double elapsedSeconds) const
                              ByteText(total) + "  " + ByteText(rate) + "/s  " +
                              (rate > 0 ? TimeText((total - done) / rate) : "?") + " left";
 
-    // The last column stays free: some terminals begin a new line when it is written to.
-    auto const columns = static_cast<std::size_t>(m_columns - 1);
     constexpr std::size_t MinBarLength = 10;
     constexpr std::size_t Frame = 3; // brackets and a space
-    if (columns < text.size() + Frame + MinBarLength)
-        return text.substr(0, columns);
-    std::size_t const barLength = std::min<std::size_t>(columns - text.size() - Frame, 40);
+    if (LineLength() < text.size() + Frame + MinBarLength)
+        return text;
+    std::size_t const barLength = std::min<std::size_t>(LineLength() - text.size() - Frame, 40);
     auto const filled = static_cast<std::size_t>(share * static_cast<double>(barLength));
     std::string line = "[";
     line.append(filled, '#').append(barLength - filled, '.').append("] ").append(text);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -33,6 +34,9 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
+
+    /// The last column stays free: some terminals begin a new line when it is written to.
+    std::size_t LineLength() const { return static_cast<std::size_t>(m_columns - 1); }
 
     void Draw(Clock::time_point now);
     std::string Line(double elapsedSeconds) const;

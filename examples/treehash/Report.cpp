@@ -1,8 +1,8 @@
 #include "Report.h"
 
 #include "Manifest.h"
+#include "Platform.h"
 
-#include <cstdio>
 #include <string>
 
 namespace treehash
@@ -16,7 +16,7 @@ void Report::Failure(std::string_view name, VantrelException const &exception)
     for (auto message = messages.rbegin(); message != messages.rend(); ++message)
         line += ": " + message->toStdString();
     m_progress.Hide();
-    std::fputs((line + "\n").c_str(), stderr);
+    WriteMessage(line + "\n");
 }
 
 } // namespace treehash

@@ -3,16 +3,14 @@
 #include "Platform.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace treehash
 {
 
 namespace
 {
-
-namespace fs = std::filesystem;
 
 void ReportError(Report &report, std::string const &name, std::error_code error)
 {
@@ -29,23 +27,12 @@ void ReportError(Report &report, std::string const &name, std::error_code error)
 /// The path as it begins the names of its files.
 std::string NameOfArgument(std::string const &path)
 {
-    std::string name = path;
-    auto const doubled = [](char first, char second) { return first == '/' && second == '/'; };
-    name.erase(std::unique(name.begin(), name.end(), doubled), name.end());
-    return name == "-" ? "./-" : name; // the readers of manifests take "-" for standard input
+    return path == "-" ? "./-" : path; // the readers of manifests take "-" for standard input
 }
 
 std::string NameInFolder(std::string const &folder, std::string const &name)
 {
     return folder.ends_with('/') ? folder + name : folder + '/' + name;
-}
-
-/// An unknown size is 0: the file is about to be reported when it is opened.
-std::uintmax_t SizeOrZero(fs::directory_entry const &entry)
-{
-    std::error_code error;
-    std::uintmax_t const size = entry.file_size(error);
-    return error ? 0 : size;
 }
 
 class Walk
@@ -57,12 +44,11 @@ public:
     {
         std::string name = NameOfArgument(path);
         std::error_code error;
-        fs::path const place = PathFromName(name);
-        fs::file_status const status = fs::status(place, error);
-        if (fs::is_directory(status))
+        FileStatus const status = StatusOf(name, error);
+        if (status.kind == FileKind::Folder)
             AddTree(std::move(name));
-        else if (fs::is_regular_file(status))
-            m_files.push_back({std::move(name), SizeOrZero(fs::directory_entry(place, error))});
+        else if (status.kind == FileKind::Regular)
+            m_files.push_back({std::move(name), status.size});
         else if (error)
             ReportError(m_report, name, error);
         else
@@ -87,28 +73,21 @@ private:
     void AddFolder(std::string const &folder)
     {
         std::error_code error;
-        fs::directory_iterator entry(PathFromName(folder), error);
-        while (!error && entry != fs::directory_iterator())
-        {
-            AddEntry(folder, *entry);
-            entry.increment(error);
-        }
+        VisitFolder(
+            folder, [&](FolderEntry const &entry) { AddEntry(folder, entry); }, error);
         if (error)
             ReportError(m_report, folder, error);
     }
 
-    void AddEntry(std::string const &folder, fs::directory_entry const &entry)
+    void AddEntry(std::string const &folder, FolderEntry const &entry)
     {
-        std::string name = NameInFolder(folder, NameFromPath(entry.path().filename()));
-        std::error_code error;
-        if (entry.is_symlink(error))
-            return;
-        if (entry.is_directory(error))
+        std::string name = NameInFolder(folder, entry.name);
+        if (entry.status.kind == FileKind::Folder)
             m_folders.push_back(std::move(name));
-        else if (entry.is_regular_file(error))
-            m_files.push_back({std::move(name), SizeOrZero(entry)});
-        else if (error)
-            ReportError(m_report, name, error);
+        else if (entry.status.kind == FileKind::Regular)
+            m_files.push_back({std::move(name), entry.status.size});
+        else if (entry.error)
+            ReportError(m_report, name, entry.error);
     }
 
     Report &m_report;

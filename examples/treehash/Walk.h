@@ -14,7 +14,7 @@ namespace treehash
 struct FoundFile
 {
     std::string name;
-    std::uintmax_t size; ///< When it was found; only good for an estimate.
+    std::uint64_t size; ///< When it was found; only good for an estimate.
 };
 
 /// The regular files that the paths name and that lie below them, each name once, sorted by the bytes of the

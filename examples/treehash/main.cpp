@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <exception>
 #include <string>
-#include <vector>
 
 namespace
 {
@@ -39,23 +38,23 @@ Outcome RunCommand(Options const &options)
 
 void PrintError(std::string const &message)
 {
-    std::fputs(("treehash: " + message + "\n").c_str(), stderr);
+    WriteMessage("treehash: " + message + "\n");
 }
 
 } // namespace
 
 int main(int argumentCount, char **arguments)
 {
+    StandardStreams const streams;
     auto outcome = Outcome::Failure;
     try
     {
-        outcome =
-            RunCommand(ParseOptions(std::vector<std::string>(arguments + 1, arguments + argumentCount)));
+        outcome = RunCommand(ParseOptions(CommandLineArguments(argumentCount, arguments)));
     }
     catch (VantrelUserErrorException const &exception)
     {
         PrintError(exception.GetMessagesFront().toStdString());
-        std::fwrite(UsageText.data(), 1, UsageText.size(), stderr);
+        WriteMessage(UsageText);
         outcome = Outcome::WrongUsage;
     }
     catch (VantrelException const &exception)
