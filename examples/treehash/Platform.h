@@ -19,16 +19,9 @@
 namespace treehash
 {
 
-/// While it lives, the standard streams take bytes as they are, and terminals show them as UTF-8 where that
-/// is for the program to choose.
-class StandardStreams
-{
-public:
-    StandardStreams();
-    ~StandardStreams();
-    StandardStreams(StandardStreams const &) = delete;
-    StandardStreams &operator=(StandardStreams const &) = delete;
-};
+/// Makes the standard streams take bytes as they are until the program ends, and terminals show them as UTF-8
+/// where that is for the program to choose.
+void PrepareStandardStreams();
 
 /// Writes to standard error at once, and in one piece. Failures have no consequence.
 void WriteMessage(std::string_view text);

@@ -75,9 +75,7 @@ int DescriptorOf(std::intptr_t handle)
 
 } // namespace
 
-StandardStreams::StandardStreams() = default;
-
-StandardStreams::~StandardStreams() = default;
+void PrepareStandardStreams() {} // They are so already.
 
 void WriteMessage(std::string_view text)
 {

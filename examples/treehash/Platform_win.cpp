@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
-#include <filesystem>
 #include <io.h>
+#include <iterator>
 #include <memory>
 
 #define WIN32_LEAN_AND_MEAN
@@ -91,27 +92,63 @@ bool IsDevicePath(std::wstring_view path)
     return path.starts_with(L"\\\\.\\") || path.starts_with(L"\\\\?\\");
 }
 
+/// The length of what ".." does not lead out of: the extended prefix with a drive, or with a server and a
+/// share.
+std::size_t RootLength(std::wstring_view path)
+{
+    constexpr std::wstring_view Prefix = L"\\\\?\\";
+    constexpr std::wstring_view ServerPrefix = L"\\\\?\\UNC\\";
+    bool const hasServer = path.starts_with(ServerPrefix);
+    std::size_t end = path.find(L'\\', hasServer ? ServerPrefix.size() : Prefix.size());
+    if (hasServer && end != path.npos)
+        end = path.find(L'\\', end + 1);
+    return std::min(end, path.size());
+}
+
+/// Resolves "." and "..", which the system does not do after the extended prefix. A slash at the end stays:
+/// it asks for a folder.
+std::wstring ResolvedPath(std::wstring_view path)
+{
+    std::size_t const rootLength = RootLength(path);
+    std::wstring resolved(path.substr(0, rootLength));
+    for (std::size_t begin = rootLength; begin < path.size();)
+    {
+        std::size_t const end = std::min(path.find(L'\\', begin + 1), path.size());
+        std::wstring_view const part = path.substr(begin, end - begin); // with the backslash before it
+        if (part == L"\\..")
+            resolved.resize(std::max(rootLength, resolved.rfind(L'\\')));
+        else if (part != L"\\" && part != L"\\.")
+            resolved += part;
+        begin = end;
+    }
+    if (path.ends_with(L'\\') || resolved.size() == rootLength)
+        resolved += L'\\';
+    return resolved;
+}
+
 /// The form of the path that may be longer than 260 characters, and in which every name that a folder holds
-/// means itself: "nul", and names that end in a dot or a space.
+/// means itself: "nul", and names that end in a dot or a space. `std::filesystem` of MinGW knows neither this
+/// form nor servers.
 std::wstring ExtendedPath(std::string const &name)
 {
-    std::wstring const given = PathFromName(name);
-    if (given.empty() || IsDevicePath(given))
-        return given;
+    std::wstring path = PathFromName(name);
+    if (path.empty() || IsDevicePath(path))
+        return path;
 
-    std::filesystem::path path = given;
-    if (!path.is_absolute())
+    std::size_t const driveLength = path.size() >= 2 && path[1] == L':' ? 2 : 0;
+    bool const isRooted = path.substr(driveLength).starts_with(L'\\');
+    bool const isAbsolute = path.starts_with(L"\\\\") || (driveLength > 0 && isRooted);
+    if (!isAbsolute)
     {
         // Only the current folder, that of a drive included, is for the system to tell: it would alter names.
-        std::wstring const root = path.root_path().native();
-        std::wstring const base = FullPath(root.ends_with(L'\\') ? root : root + L".");
-        path = base / path.relative_path();
+        std::wstring const start = isRooted ? L"\\" : path.substr(0, driveLength) + L".";
+        path = FullPath(start) + L'\\' + path.substr(driveLength);
     }
-    // Nothing resolves "." and ".." in this form.
-    std::wstring const absolute = path.lexically_normal().make_preferred().native();
-    if (IsDevicePath(absolute)) // as the current folder may be
-        return absolute;
-    return absolute.starts_with(L"\\\\") ? L"\\\\?\\UNC" + absolute.substr(1) : L"\\\\?\\" + absolute;
+    if (path.starts_with(L"\\\\") && !IsDevicePath(path))
+        path.replace(0, 1, L"\\\\?\\UNC");
+    else if (!IsDevicePath(path)) // which the current folder may be
+        path.insert(0, L"\\\\?\\");
+    return ResolvedPath(path);
 }
 
 // Status
@@ -208,13 +245,14 @@ BOOL WINAPI HandleRequest(DWORD request)
 
 } // namespace
 
-StandardStreams::StandardStreams()
+void PrepareStandardStreams()
 {
     _setmode(_fileno(stdout), _O_BINARY);
     if (IsConsole(stdout) || IsConsole(stderr))
     {
         g_previousCodePage = GetConsoleOutputCP();
         SetConsoleOutputCP(CP_UTF8);
+        std::atexit(RestoreCodePage);
     }
     if (IsConsole(stdout))
     {
@@ -224,12 +262,6 @@ StandardStreams::StandardStreams()
         std::setvbuf(stdout, nullptr, _IOFBF, LongestLine);
     }
     SetConsoleCtrlHandler(HandleRequest, TRUE);
-}
-
-StandardStreams::~StandardStreams()
-{
-    SetConsoleCtrlHandler(HandleRequest, FALSE);
-    RestoreCodePage();
 }
 
 void WriteMessage(std::string_view text)

@@ -107,10 +107,10 @@ std::string Progress::Line(double elapsedSeconds) const
     double const share = total > 0 ? done / total : 0;
     double const rate = elapsedSeconds > 0 ? done / elapsedSeconds : 0;
 
-    std::string const text = std::to_string(static_cast<int>(share * 100)) + "%  " + std::to_string(m_files) +
-                             "/" + std::to_string(m_totalFiles) + " files  " + ByteText(done) + "/" +
-                             ByteText(total) + "  " + ByteText(rate) + "/s  " +
-                             (rate > 0 ? TimeText((total - done) / rate) : "?") + " left";
+    std::string text = std::to_string(static_cast<int>(share * 100)) + "%  " + std::to_string(m_files) + "/" +
+                       std::to_string(m_totalFiles) + " files  " + ByteText(done) + "/" + ByteText(total) +
+                       "  " + ByteText(rate) + "/s  " + (rate > 0 ? TimeText((total - done) / rate) : "?") +
+                       " left";
 
     constexpr std::size_t MinBarLength = 10;
     constexpr std::size_t Frame = 3; // brackets and a space

@@ -45,7 +45,7 @@ void PrintError(std::string const &message)
 
 int main(int argumentCount, char **arguments)
 {
-    StandardStreams const streams;
+    PrepareStandardStreams();
     auto outcome = Outcome::Failure;
     try
     {
