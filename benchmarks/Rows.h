@@ -51,5 +51,10 @@ void AddCase(Row const &row, std::string const &peer, Body body)
 void AddStringRows(Rows &rows);
 void AddDigestRows(Rows &rows);
 void AddHashRows(Rows &rows);
+void AddOperationRows(Rows &rows);
+void AddCharacterRows(Rows &rows);
+void AddCaseRows(Rows &rows);
+void AddNumberRows(Rows &rows);
+void AddFormatRows(Rows &rows);
 
 } // namespace bench

@@ -34,6 +34,11 @@ int main(int argc, char **argv)
     bench::AddStringRows(rows);
     bench::AddDigestRows(rows);
     bench::AddHashRows(rows);
+    bench::AddOperationRows(rows);
+    bench::AddCharacterRows(rows);
+    bench::AddCaseRows(rows);
+    bench::AddNumberRows(rows);
+    bench::AddFormatRows(rows);
 
     bench::RatioReporter reporter(rows);
     if (benchmark::RunSpecifiedBenchmarks(&reporter) == 0) // it has said that nothing matches the filter

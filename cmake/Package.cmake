@@ -12,6 +12,8 @@ if(WIN32)
     install(FILES /usr/share/common-licenses/GPL-3 DESTINATION ${runtime_notices} RENAME GPL-3.txt)
     install(FILES /usr/share/doc/mingw-w64-common/copyright
         DESTINATION ${runtime_notices} RENAME libwinpthread.txt)
+    install(FILES ${VANSYS_WIN32_DEPENDENCIES}/share/licenses/icu/LICENSE
+        DESTINATION ${runtime_notices} RENAME icu.txt)
 else()
     # Under the name that Debian has for it.
     install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)

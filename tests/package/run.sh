@@ -66,11 +66,12 @@ unpack_package()
         mv -- "$work/unpacked/vansys-$VERSION-win32" "$prefix"
         [[ -s $prefix/share/doc/vansys/LICENSE ]] || fail 'the licence is missing'
         { grep -q 'GCC RUNTIME LIBRARY EXCEPTION' "$prefix"/share/doc/vansys/runtime/* &&
-            grep -q winpthreads "$prefix"/share/doc/vansys/runtime/*; } ||
+            grep -q winpthreads "$prefix"/share/doc/vansys/runtime/* &&
+            grep -q 'UNICODE, INC. LICENSE' "$prefix"/share/doc/vansys/runtime/*; } ||
             fail 'the licences of the run-time DLLs are missing'
     else
         depends=$(dpkg-deb --field "${packages[0]}" Depends)
-        [[ $depends == *libc6* && $depends == *libstdc++6* ]] || fail "the package depends on: $depends"
+        [[ $depends == *libc6* && $depends == *libstdc++6* && $depends == *libicu* ]] || fail "the package depends on: $depends"
         dpkg-deb --extract "${packages[0]}" "$work/unpacked"
         mv -- "$work/unpacked/usr" "$prefix"
         [[ -s $prefix/share/doc/vansys/copyright ]] || fail 'the licence is missing'

@@ -1,5 +1,6 @@
 #include "vansys/VantrelException.h"
 #include "vansys/AssertHooks.h"
+#include "vansys/TFormatStringCore.h"
 #include "vansys/ThrowLogicException.h"
 #include "vansys/VantrelOutOfMemoryException.h"
 #include "vansys/VantrelUserErrorException.h"
@@ -45,6 +46,65 @@ TEST(VantrelException, StacksMessages)
     EXPECT_EQ(VantrelException(Messages{"", "x"}).GetMessages().size(), 2u) << "a list is taken as it is";
 }
 
+TEST(VantrelException, StacksRedactedMessages)
+{
+    auto const format = [](char const *text) { return TFormatStringCore(text).arg(u"X"); };
+    VantrelException exception(format("first %1"));
+    exception.StackMessage(u"plain");
+    exception.StackMessage(format("second %1"));
+    exception.StackMessageFront(format("front %1"));
+    exception.StackMessageFront("plain front");
+    exception.StackMessage(TFormatStringCore(u"%1").arg(u""));
+    exception.StackMessageFront(TFormatStringCore(u""));
+    Messages const messages = {"plain front", "front X", "first X", "plain", "second X"};
+    Messages const redacted = {"front %1", "first %1", "second %1"};
+    EXPECT_EQ(exception.GetMessages(), messages);
+    EXPECT_EQ(exception.GetRedactedMessages(), redacted);
+
+    using Add = void (VantrelException::*)(TFormatStringCore const &);
+    for (Add const add : {Add{&VantrelException::StackMessage}, Add{&VantrelException::StackMessageFront},
+                          Add{&VantrelException::SetMessage}})
+        EXPECT_THROW((exception.*add)(format("too few for %2")), TFormatStringCore::Exception);
+
+    VantrelException const copy = exception;
+    std::unique_ptr<VantrelException> const clone(exception.Clone());
+    VantrelException assigned(format("replaced %1"));
+    assigned = exception;
+    for (VantrelException const *other : {&copy, static_cast<VantrelException const *>(clone.get()),
+                                          static_cast<VantrelException const *>(&assigned)})
+    {
+        EXPECT_EQ(other->GetMessages(), messages);
+        EXPECT_EQ(other->GetRedactedMessages(), redacted);
+    }
+
+    exception.SetMessage(format("only %1"));
+    EXPECT_EQ(exception.GetMessages(), Messages{"only X"});
+    EXPECT_EQ(exception.GetRedactedMessages(), Messages{"only %1"});
+    exception.SetMessage("plain");
+    EXPECT_TRUE(exception.GetRedactedMessages().empty());
+    exception = copy;
+    exception.SetMessage(TFormatStringCore(u"%1").arg(u""));
+    EXPECT_TRUE(exception.GetMessages().empty());
+    EXPECT_TRUE(exception.GetRedactedMessages().empty());
+    EXPECT_TRUE(VantrelException(TFormatStringCore(u"%1").arg(u"")).GetRedactedMessages().empty());
+    EXPECT_EQ(VantrelUserErrorException(format("user %1")).GetRedactedMessages(), Messages{"user %1"});
+}
+
+TEST(VantrelException, TakesTheTextOfForeignExceptions)
+{
+    for (char const *const text : {"no such file", "\xC3\xA9", "\xFF", ""})
+    {
+        TStringCore const expected = TStringCore::fromLocal8Bit(text);
+        VantrelException const exception{std::runtime_error(text)};
+        EXPECT_EQ(exception.GetMessagesFront(), expected);
+        EXPECT_EQ(exception.GetMessages().size(), expected.isEmpty() ? 0u : 1u);
+        EXPECT_TRUE(exception.GetRedactedMessages().empty());
+        TStringCore out = u"before";
+        VantrelException::ToString(std::runtime_error(text), out);
+        EXPECT_EQ(out, expected);
+    }
+}
+
 TEST(VantrelException, CloneAndThrowKeepTheType)
 {
     std::unique_ptr<VantrelException> const memory(VantrelOutOfMemoryException().Clone());
@@ -81,14 +141,22 @@ TEST(VantrelException, StackExceptionAndRethrowAddsToTheSameObject)
         }
         catch (...)
         {
-            StackExceptionAndRethrow("outer");
+            try
+            {
+                StackExceptionAndRethrow("outer");
+            }
+            catch (...)
+            {
+                StackExceptionAndRethrow(TFormatStringCore("outermost %1").arg("X"));
+            }
         }
     }
     catch (VantrelOutOfMemoryException const &exception)
     {
-        EXPECT_EQ(exception.GetMessages(), (Messages{"inner", "outer"}));
+        EXPECT_EQ(exception.GetMessages(), (Messages{"inner", "outer", "outermost X"}));
+        EXPECT_EQ(exception.GetRedactedMessages(), Messages{"outermost %1"});
     }
-    auto const rethrowForeign = []
+    auto const rethrowForeign = [](auto const &message)
     {
         try
         {
@@ -96,10 +164,11 @@ TEST(VantrelException, StackExceptionAndRethrowAddsToTheSameObject)
         }
         catch (...)
         {
-            StackExceptionAndRethrow("outer");
+            StackExceptionAndRethrow(message);
         }
     };
-    EXPECT_THROW(rethrowForeign(), std::runtime_error);
+    EXPECT_THROW(rethrowForeign("outer"), std::runtime_error);
+    EXPECT_THROW(rethrowForeign(TFormatStringCore("without its argument: %1")), std::runtime_error);
 }
 
 TEST(ThrowLogicException, WithoutHookThrowsAndWritesToTheDebugger)

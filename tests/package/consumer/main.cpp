@@ -82,6 +82,8 @@ int main()
           "SHA-256 of the standard's example");
     Check(THash(message, sizeof message) == THash32(message, sizeof message, 0xdeadbeef),
           "both forms of the hash agree");
+    auto const swedish = VanICU::ICULocale::createFromName("sv");
+    Check(swedish && swedish->getDisplayLanguage(*swedish) == u"svenska", "ICU finds its data");
     Check(TMath::MulDiv(7, 3, 2) == 11, "the quotient is rounded");
     return s_failures == 0 ? 0 : 1;
 }

@@ -141,7 +141,13 @@ void StringStorage::setLength(int length)
 
 TCodeUnit *StringStorage::setLengthForOverwriteOnHeap(int length)
 {
-    setLengthOnHeap(length, 0);
+    if (isHeap())
+        setLengthOnHeap(length, 0);
+    else
+    {
+        setBlock(allocate(grownCapacity(length, InlineCapacity)));
+        setBlockLength(length);
+    }
     return block()->units();
 }
 

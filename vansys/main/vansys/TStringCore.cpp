@@ -7,6 +7,8 @@
 #include <functional>
 #include <ostream>
 
+using vansys::detail::StringFunctions;
+
 namespace
 {
 
@@ -126,19 +128,7 @@ void TStringCore::resize(int length)
         std::fill(data() + before, data() + length, TCodeUnit{0});
 }
 
-void TStringCore::truncate(int length)
-{
-    if (length < this->length())
-        m_storage.setLength(length);
-}
-
-void TStringCore::chop(int count)
-{
-    if (count > 0)
-        truncate(std::max(length() - count, 0));
-}
-
-int TStringCore::length(TCodeUnit const *text)
+int StringFunctions::length(TCodeUnit const *text)
 {
     if (!text)
         return 0;
@@ -146,7 +136,7 @@ int TStringCore::length(TCodeUnit const *text)
     return vansys::detail::StringStorage::checkedLength(static_cast<std::int64_t>(length));
 }
 
-int TStringCore::length(TWideTwin const *text)
+int StringFunctions::length(TWideTwin const *text)
 {
     if (!text)
         return 0;
@@ -154,12 +144,12 @@ int TStringCore::length(TWideTwin const *text)
     return vansys::detail::StringStorage::checkedLength(static_cast<std::int64_t>(length));
 }
 
-std::size_t TStringCore::lengthInBytes(TCodeUnit const *text)
+std::size_t StringFunctions::lengthInBytes(TCodeUnit const *text)
 {
     return text ? std::char_traits<TCodeUnit>::length(text) * sizeof(TCodeUnit) : 0;
 }
 
-std::size_t TStringCore::lengthInBytes(TWideTwin const *text)
+std::size_t StringFunctions::lengthInBytes(TWideTwin const *text)
 {
     return text ? std::char_traits<TWideTwin>::length(text) * sizeof(TWideTwin) : 0;
 }
@@ -212,42 +202,7 @@ void TStringCore::removeBOM()
         assignFromSelf(1, length() - 1);
 }
 
-// Comparison
-
-int TStringCore::compareUnits(TCodeUnit const *text, int count) const noexcept
-{
-    TCodeUnit const *const units = constData();
-    int const common = std::min(length(), count);
-    for (int i = 0; i < common; ++i)
-    {
-        if (units[i] != text[i])
-            return units[i] < text[i] ? -1 : 1;
-    }
-    return (length() > count) - (length() < count);
-}
-
-int TStringCore::compare(TStringCore const &other) const noexcept
-{
-    return compareUnits(other.constData(), other.length());
-}
-
-int TStringCore::compare(TCodeUnit const *text) const
-{
-    return compareUnits(text, length(text));
-}
-
-int TStringCore::compare(TWideTwin const *text) const
-{
-    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
-        return compare(reinterpret_cast<TCodeUnit const *>(text));
-    else
-        return compare(TStringCore(text));
-}
-
-int TStringCore::compare(char const *utf8) const
-{
-    return compare(TStringCore(utf8));
-}
+// Hash
 
 std::size_t std::hash<TStringCore>::operator()(TStringCore const &text) const noexcept
 {

@@ -7,7 +7,10 @@
 #include <cstring>
 #include <limits>
 
+using vansys::detail::StringFunctions;
 using vansys::detail::StringStorage;
+using vansys::detail::TextArgument;
+using vansys::detail::TwinText;
 
 namespace
 {
@@ -113,6 +116,14 @@ int measure(char const *utf8, int count)
     return static_cast<int>(length);
 }
 
+/// Replaces the text by decoded UTF-8.
+void assignUtf8(StringStorage &storage, char const *utf8, int count)
+{
+    int const bytes = measure(utf8, count);
+    TCodeUnit *const units = storage.setLengthForOverwrite(bytes);
+    storage.shorten(static_cast<int>(vansys::detail::DecodeUtf8(utf8, bytes, units) - units));
+}
+
 /// The length of a standard container as `int`.
 template <class Container>
 int lengthOf(Container const &text)
@@ -132,14 +143,10 @@ TStringCore::TStringCore(char const *utf8, int count)
 
 void TStringCore::constructFromUtf8(char const *utf8, int count)
 {
-    if (!utf8)
-    {
+    if (utf8)
+        assignUtf8(m_storage, utf8, count);
+    else
         clear();
-        return;
-    }
-    int const bytes = measure(utf8, count);
-    TCodeUnit *const units = m_storage.setLengthForOverwrite(bytes);
-    m_storage.shorten(static_cast<int>(vansys::detail::DecodeUtf8(utf8, bytes, units) - units));
 }
 
 TStringCore &TStringCore::assign(char const *utf8, int count)
@@ -331,7 +338,7 @@ int TStringCore::lengthInCodePoints() const noexcept
     return count;
 }
 
-int TStringCore::lengthInCodePoints(TCodeUnit const *text)
+int StringFunctions::lengthInCodePoints(TCodeUnit const *text)
 {
     int count = 0;
     TCodeUnit const *const end = text + length(text);
@@ -340,12 +347,94 @@ int TStringCore::lengthInCodePoints(TCodeUnit const *text)
     return count;
 }
 
-int TStringCore::lengthInCodePoints(TWideTwin const *text)
+int StringFunctions::lengthInCodePoints(TWideTwin const *text)
 {
     if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
         return lengthInCodePoints(reinterpret_cast<TCodeUnit const *>(text));
     else
         return length(text);
+}
+
+// Text for the time of a call
+
+TextArgument::TextArgument(TWideTwin const *text) : m_units(nullptr), m_length(0)
+{
+    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
+    {
+        m_units = reinterpret_cast<TCodeUnit const *>(text);
+        m_length = StringFunctions::length(m_units);
+    }
+    else if (text)
+    {
+        assignUtf32(m_own, text, -1);
+        m_units = m_own.units();
+        m_length = m_own.length();
+    }
+}
+
+TextArgument::TextArgument(char const *utf8) : m_units(nullptr), m_length(0)
+{
+    if (!utf8)
+        return;
+    assignUtf8(m_own, utf8, -1);
+    m_units = m_own.units();
+    m_length = m_own.length();
+}
+
+TextArgument::TextArgument(TWideTwin codePoint) noexcept
+    : m_units(m_own.setLengthForOverwrite(
+          vansys::detail::UnitsOfCodePoint(static_cast<std::uint32_t>(codePoint)))),
+      m_length(m_own.length())
+{
+    vansys::detail::PutCodePoint(static_cast<std::uint32_t>(codePoint), m_own.writableUnits());
+}
+
+TwinText::TwinText(TWideTwin const *text, int length)
+    : m_text(text),
+      m_count(0),
+      m_units(nullptr),
+      m_length(0)
+{
+    if (!text)
+        return;
+    m_count = length < 0 ? StringFunctions::length(text) : length;
+    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
+    {
+        m_units = reinterpret_cast<TCodeUnit const *>(text);
+        m_length = m_count;
+    }
+    else
+    {
+        assignUtf32(m_transcoded, text, m_count);
+        m_units = m_transcoded.units();
+        m_length = m_transcoded.length();
+    }
+}
+
+int TwinText::position(int unit) const noexcept
+{
+    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
+        return unit;
+    int element = 0;
+    for (int units = 0; units < unit; ++element)
+    {
+        units += vansys::detail::UnitsOfCodePoint(static_cast<std::uint32_t>(m_text[element]));
+        if (units > unit) // the second unit of a pair
+            return element;
+    }
+    return unit < 0 ? unit : element;
+}
+
+int TwinText::unitPosition(int position) const noexcept
+{
+    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
+        return position;
+    if (position > m_count)
+        return m_length + 1;
+    int units = std::min(position, 0);
+    for (int element = 0; element < position; ++element)
+        units += vansys::detail::UnitsOfCodePoint(static_cast<std::uint32_t>(m_text[element]));
+    return units;
 }
 
 // Latin code pages

@@ -4,7 +4,9 @@
 
 #include "vansys/Export.h"
 #include "vansys/TCodeUnit.h"
+#include "vansys/detail/StringFunctions.h"
 #include "vansys/detail/StringStorage.h"
+#include "vansys/detail/TextArgument.h"
 
 #include <cstddef>
 #include <cstring>
@@ -19,12 +21,6 @@
 
 namespace vansys::detail
 {
-
-/// The character types that one unit of text may be given in.
-template <class Character>
-using EnableIfCharacter =
-    std::enable_if_t<std::is_same_v<Character, TCodeUnit> || std::is_same_v<Character, TWideTwin> ||
-                     std::is_same_v<Character, char>>;
 
 /// Index types for which neither `int` nor `unsigned int` is the one best match.
 template <class Index>
@@ -61,6 +57,11 @@ enum class Utf8Character : unsigned char
 /// **Counted narrow text** that is decoded as UTF-8 must be readable at index `count` too (a string literal
 /// and a `std::string` are): the byte there decides about a sequence that is cut off by the count.
 ///
+/// **Operations** take text as a `TStringCore`, as zero-terminated text of either wide type or UTF-8, or as
+/// one unit: that is what a parameter of type `Text` stands for. A null pointer is the empty text there too.
+/// Those that also work on raw text are inherited from `StringFunctions`: `findStr`, `findChar`, `findOneOf`,
+/// `findOneNotOf`, `compareN` and more.
+///
 /// **Memory.** A string that has moved to the heap stays there when it gets shorter. It becomes inline again
 /// when an inline string is assigned to it while its block is shared, when it is moved from, and when it is
 /// assigned to by move from an inline string. Growth doubles the capacity; see `EnableConservativeString`.
@@ -82,10 +83,13 @@ enum class Utf8Character : unsigned char
 ///   `constData()`, `cbegin()` or `at()` to read.
 /// - Where a function wants a pointer, the text ends at its first zero unit; `std::u16string(s)` takes the
 ///   pointer. Use `toStdUString()`, or the view.
-class VANSYS_API TStringCore
+class VANSYS_API TStringCore : public vansys::detail::StringFunctions
 {
 public:
     class Exception;
+
+    /// Text in any of its forms, for the time of a call.
+    using Text = vansys::detail::TextArgument;
 
     using value_type = TCodeUnit;
     using size_type = unsigned int;
@@ -145,6 +149,9 @@ public:
     /// Copies the units of a view. Explicit, because it may allocate.
     explicit TStringCore(std::u16string_view text);
     explicit TStringCore(std::wstring_view text);
+
+    /// For the library's own use: the text that has been written into the storage.
+    explicit TStringCore(vansys::detail::StringStorage &&storage) noexcept : m_storage(std::move(storage)) {}
 
     /// Shares the other's block, or copies its inline units into this string's own memory. Assigning a string
     /// to itself does nothing.
@@ -226,6 +233,10 @@ public:
     /// ISO 8859-15: ISO 8859-1 but for eight bytes, the euro sign among them.
     static TStringCore fromLatin9(char const *bytes, int count = -1);
 
+    /// The platform's default code page, as ICU has it: the ANSI code page on Windows, UTF-8 elsewhere.
+    /// U+FFFD stands for what the code page does not know. Throws `Exception` "Out of memory".
+    static TStringCore fromLocal8Bit(char const *bytes, int count = -1);
+
     // Conversion out
 
     /// The text as UTF-8. A surrogate pair becomes four bytes. A lone surrogate becomes its three-byte form,
@@ -253,6 +264,10 @@ public:
 
     /// The text in ISO 8859-15, as `toLatin1`.
     std::string toLatin9(bool *complete = nullptr) const;
+
+    /// The text in the platform's default code page; see `fromLocal8Bit`. What the code page lacks becomes
+    /// its substitution character. `*complete` receives whether the bytes convert back to this text.
+    std::string toLocal8Bit(bool *complete = nullptr) const;
 
     // Access
 
@@ -320,6 +335,10 @@ public:
 
     // Length and capacity
 
+    using StringFunctions::length;
+    using StringFunctions::lengthInBytes;
+    using StringFunctions::lengthInCodePoints;
+
     int length() const noexcept { return m_storage.length(); }
     int size() const noexcept { return m_storage.length(); }
 
@@ -350,12 +369,6 @@ public:
 
     /// Makes the text empty. Keeps a block that nobody shares; never allocates.
     void clear() noexcept { m_storage.clear(); }
-
-    /// Keeps the first `length` units; none when it is negative. Does nothing when the text is shorter.
-    void truncate(int length);
-
-    /// Removes the last `count` units; all when there are fewer. Does nothing when it is not positive.
-    void chop(int count);
 
     // Appending. Amortised constant time for each unit.
 
@@ -389,21 +402,6 @@ public:
     void push_back(TWideTwin codePoint) { append(codePoint); }
     void push_back(char byte) { append(byte); }
 
-    // Raw text
-
-    /// The number of elements before the zero; 0 for null. Throws `Exception` "Allocation size less than
-    /// zero; probable overflow" when no `int` can hold it.
-    static int length(TCodeUnit const *text);
-    static int length(TWideTwin const *text);
-
-    /// The number of bytes before the zero; 0 for null.
-    static std::size_t lengthInBytes(TCodeUnit const *text);
-    static std::size_t lengthInBytes(TWideTwin const *text);
-
-    /// The number of code points before the zero; 0 for null.
-    static int lengthInCodePoints(TCodeUnit const *text);
-    static int lengthInCodePoints(TWideTwin const *text);
-
     // Byte-order mark
 
     /// Whether the first unit is U+FEFF.
@@ -415,14 +413,279 @@ public:
     /// Removes the first unit when it is U+FEFF.
     void removeBOM();
 
-    // Comparison. The operators are in detail/StringComparison.h.
+    // Comparison. The operators, which respect case, are in detail/StringComparison.h.
 
-    /// -1, 0 or 1 as this text comes before, equals or follows the other: by code unit, as unsigned 16-bit
-    /// values, the shorter text first. A null pointer is the empty text.
-    int compare(TStringCore const &other) const noexcept;
-    int compare(TCodeUnit const *text) const;
-    int compare(TWideTwin const *text) const;
-    int compare(char const *utf8) const;
+    using StringFunctions::compare;
+
+    /// -1, 0 or 1 as this text comes before, equals or follows the other: by (folded) code unit, as unsigned
+    /// 16-bit values, over the full length, the shorter text first.
+    int compare(Text const &other, CaseSensitivity sensitivity = CaseSensitive) const noexcept;
+
+    // Search. Positions are those of the first unit of a match; -1 when there is none.
+
+    /// The first match at or after `start`; a negative `start` is 0. An empty text is found at `start`, when
+    /// that lies in 0 to `length()`.
+    int indexOf(Text const &text, int start = 0, CaseSensitivity sensitivity = CaseSensitive) const noexcept;
+    int indexOf(Text const &text, CaseSensitivity sensitivity) const noexcept
+    {
+        return indexOf(text, 0, sensitivity);
+    }
+
+    /// The last match at or before `start`; from the end when `start` is negative. An empty text is found at
+    /// `start`, when that lies in 0 to `length()`, and at the end for a negative `start`.
+    int lastIndexOf(Text const &text, int start = -1,
+                    CaseSensitivity sensitivity = CaseSensitive) const noexcept;
+    int lastIndexOf(Text const &text, CaseSensitivity sensitivity) const noexcept
+    {
+        return lastIndexOf(text, -1, sensitivity);
+    }
+
+    /// Every text contains the empty text, and starts and ends with it.
+    bool contains(Text const &text, CaseSensitivity sensitivity = CaseSensitive) const noexcept
+    {
+        return indexOf(text, 0, sensitivity) >= 0;
+    }
+
+    bool startsWith(Text const &text, CaseSensitivity sensitivity = CaseSensitive) const noexcept;
+    bool endsWith(Text const &text, CaseSensitivity sensitivity = CaseSensitive) const noexcept;
+
+    /// How many matches there are that do not overlap; none of an empty text.
+    int count(Text const &text, CaseSensitivity sensitivity = CaseSensitive) const noexcept;
+
+    // Editing. Positions outside the text clamp to its ends; a negative count means "to the end". Each of
+    // these throws as `append` does, leaves the text as it was then, and works when the argument is part of
+    // this text.
+
+    TStringCore &insert(int position, Text const &text);
+    TStringCore &prepend(Text const &text) { return insert(0, text); }
+    TStringCore &push_front(Text const &text) { return insert(0, text); }
+
+    TStringCore &removeAt(int position, int count = 1);
+
+    /// Removes every match, from left to right.
+    TStringCore &removeAll(Text const &text, CaseSensitivity sensitivity = CaseSensitive);
+
+    /// Removes every unit at or after `start` that is in the set.
+    TStringCore &removeAnyOf(Text const &set, int start = 0);
+
+    /// Replaces `count` units from `position` on.
+    TStringCore &replace(int position, int count, Text const &text);
+
+    /// Replaces every match, from left to right; what has been put in is not searched. An empty `before`
+    /// matches nothing.
+    TStringCore &replace(Text const &before, Text const &after, CaseSensitivity sensitivity = CaseSensitive)
+    {
+        replaceCount(before, after, sensitivity);
+        return *this;
+    }
+
+    /// The same for units, which would be taken for a position and a count as well.
+    template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
+    TStringCore &replace(Character before, Character after, CaseSensitivity sensitivity)
+    {
+        return replace(Text(before), Text(after), sensitivity);
+    }
+
+    /// `replace`, and how many matches there were.
+    int replaceCount(Text const &before, Text const &after, CaseSensitivity sensitivity = CaseSensitive);
+
+    /// Replaces every unit at or after `start` that is in the set by `unit`.
+    TStringCore &replaceAnyOf(Text const &set, TCodeUnit unit, int start = 0);
+
+    /// Keeps the first `length` units; none when it is negative. Does nothing when the text is shorter.
+    void truncate(int length);
+
+    /// Keeps what comes before the first zero unit.
+    void truncateAtFirstNull();
+
+    /// Removes the last `count` units; all when there are fewer. Does nothing when it is not positive.
+    void chop(int count);
+
+    /// Reverses the order of the code units. Surrogate pairs come out reversed too.
+    TStringCore &reverse();
+    TStringCore reversed() const;
+
+    /// The text `times` times in a row; empty when that is not positive.
+    TStringCore repeated(int times) const;
+
+    // Parts of the text, as new strings. Positions clamp; a negative count means "to the end".
+
+    TStringCore left(int count) const;
+    TStringCore right(int count) const;
+    TStringCore mid(int position, int count = -1) const;
+
+    /// The leading units that are in the set, or that are not.
+    TStringCore spanIncluding(Text const &set) const;
+    TStringCore spanExcluding(Text const &set) const;
+
+    using StringFunctions::section;
+
+    /// Cuts the text at every separator, and gives the sections from `first` to `last` with what lies between
+    /// them. Sections count from 0; negative numbers count from the end, -1 being the last. Empty when the
+    /// text or the separator is empty, when `first` or `last` is no section, and when `last` comes before
+    /// `first`.
+    TStringCore section(Text const &separator, int first, int last = -1,
+                        SectionFlags flags = SectionDefault) const;
+
+    /// The next token at or after `position`, which then moves behind the separator that ended it, or becomes
+    /// -1 where the text ended it. With `SkipEmptyParts` leading separators are skipped, and when nothing
+    /// follows them the token is empty and `position` -1. To be called until `position` is negative. Empty,
+    /// with `position` left alone, when the separators are null or `position` is negative.
+    TStringCore tokenize(Text const &separators, int &position,
+                         SplitBehavior behavior = SkipEmptyParts) const;
+
+    using StringFunctions::split;
+
+    /// The parts between the separators. No part at all when the separator is empty; one empty part when the
+    /// text is empty and empty parts are kept.
+    /// Throws `std::bad_alloc` when it is the vector that gets no memory.
+    std::vector<TStringCore> split(Text const &separator, SplitBehavior behavior = KeepEmptyParts,
+                                   CaseSensitivity sensitivity = CaseSensitive) const;
+
+    using StringFunctions::splitOnAny;
+
+    /// `split`, with each unit of the set being a separator.
+    std::vector<TStringCore> splitOnAny(Text const &set, SplitBehavior behavior = KeepEmptyParts) const;
+
+    /// The parts with the separator between them.
+    static TStringCore join(std::vector<TStringCore> const &parts, Text const &separator);
+
+    // Padding. A negative width counts as 0. Text that is longer than the width is cut to its first `width`
+    // units when `truncate` is set, and left as it is otherwise.
+
+    /// The text, and `fill` behind it up to the width.
+    TStringCore leftJustified(int width, TCodeUnit fill = u' ', bool truncate = false) const;
+
+    /// `fill` up to the width, and the text behind it.
+    TStringCore rightJustified(int width, TCodeUnit fill = u' ', bool truncate = false) const;
+
+    // Case, by the full mappings of ICU's default locale, which may change the length
+
+    TStringCore toLower() const;
+    TStringCore toUpper() const;
+
+    // White space (`TCType::isSpace`), or the units of a set, at the ends
+
+    TStringCore &trim();
+    TStringCore &trimLeft();
+    TStringCore &trimRight();
+    TStringCore &trim(Text const &set);
+    TStringCore &trimLeft(Text const &set);
+    TStringCore &trimRight(Text const &set);
+    TStringCore trimmed() const;
+
+    // Line ends
+
+    using StringFunctions::dosToUnix;
+
+    /// Makes CR LF, LF CR, and each run of CRs one LF; every other LF stays.
+    TStringCore &dosToUnix();
+
+    /// Makes CR LF of every line end, as `dosToUnix` reads them. CR LF stays, so doing it twice changes
+    /// nothing.
+    TStringCore &unixToDos();
+
+    /// The same as `unixToDos` on every platform: "native" is the form of Windows in this library.
+    TStringCore &toNativeLineEndings() { return unixToDos(); }
+
+    // Numbers to text. Digits above 9 are lower case letters; a negative number is "-" and its magnitude in
+    // every base. Throws `Exception` "TStringCore::number: base out of range." unless the base is 2 to 36.
+
+    /// A positive field width right-justifies the number, a negative one left-justifies it; `fill` stands
+    /// before a sign. A number that is longer than the field is written whole.
+    static TStringCore number(long long value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ');
+    static TStringCore number(unsigned long long value, int base = 10, int fieldWidth = 0,
+                              TCodeUnit fill = u' ');
+
+    static TStringCore number(short value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
+    {
+        return number(static_cast<long long>(value), base, fieldWidth, fill);
+    }
+
+    static TStringCore number(unsigned short value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
+    {
+        return number(static_cast<unsigned long long>(value), base, fieldWidth, fill);
+    }
+
+    static TStringCore number(int value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
+    {
+        return number(static_cast<long long>(value), base, fieldWidth, fill);
+    }
+
+    static TStringCore number(unsigned int value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
+    {
+        return number(static_cast<unsigned long long>(value), base, fieldWidth, fill);
+    }
+
+    static TStringCore number(long value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
+    {
+        return number(static_cast<long long>(value), base, fieldWidth, fill);
+    }
+
+    static TStringCore number(unsigned long value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
+    {
+        return number(static_cast<unsigned long long>(value), base, fieldWidth, fill);
+    }
+
+    /// The value as C's `printf` prints it for the format letter and the precision. The letter is one of
+    /// "eEfFgG"; any other is read as "g". A negative precision means 6. The exponent has at least two
+    /// digits, a zero never has a sign, and values without digits are "inf", "-inf" and "nan", in lower case
+    /// for every letter. The decimal separator is "." whatever the locale.
+    ///
+    /// `tidy` makes it plain that the number has a fraction, and drops its needless digits: with "g" and "G"
+    /// ".0" is inserted where there is no point; with the others trailing zeros go, but for one after the
+    /// point. Note that zeros go even where no point is printed: with precision 0, 100 is "1" with "f", and
+    /// -0.0, which then loses its sign, is "".
+    static TStringCore number(double value, char format = 'g', int precision = 6, bool tidy = false);
+
+    /// Becomes what `number` gives.
+    template <class Integer, class = std::enable_if_t<std::is_integral_v<Integer>>>
+    TStringCore &setNum(Integer value, int base = 10)
+    {
+        return *this = number(value, base);
+    }
+
+    TStringCore &setNum(double value, char format = 'g', int precision = 6, bool tidy = false)
+    {
+        return *this = number(value, format, precision, tidy);
+    }
+
+    /// The address in hexadecimal, padded with zeros to the width of a pointer, after "0x" when `prefix` is
+    /// set. `upperCase` is about the digits; the prefix stays as it is.
+    static TStringCore pointer(void const *address, bool prefix = true, bool upperCase = false);
+
+    // Text to numbers
+    //
+    // `*ok` receives whether the whole text is a number in the range of the type. A number out of range gives
+    // the nearest value of the type; what is no number gives 0. A number is an optional sign, in base 16 an
+    // optional "0x" or "0X", and ASCII digits; no blanks. Base 0 reads a leading "0x" or "0X" as base 16,
+    // another leading "0" as base 8, and the rest, which is also what begins with a sign, as base 10.
+    //
+    // Throws `Exception` "TStringCore::parseInteger: base out of range." unless the base is 2 to 36, or 0
+    // with a text of two or more units. A text that is empty or begins with a zero unit gives 0 before the
+    // base is looked at.
+
+    short toShort(bool *ok = nullptr, int base = 10) const;
+    unsigned short toUShort(bool *ok = nullptr, int base = 10) const;
+    int toInt(bool *ok = nullptr, int base = 10) const;
+    unsigned int toUInt(bool *ok = nullptr, int base = 10) const;
+    long toLong(bool *ok = nullptr, int base = 10) const;
+    unsigned long toULong(bool *ok = nullptr, int base = 10) const;
+    long long toLongLong(bool *ok = nullptr, int base = 10) const;
+    unsigned long long toULongLong(bool *ok = nullptr, int base = 10) const;
+
+    /// The nearest value, ties to even, of a text as `leftDoubleLength` measures it, however long it is.
+    /// Overflow gives an infinity with `*ok` false, underflow the nearest value with `*ok` true; what is no
+    /// number gives 0 with `*ok` false.
+    float toFloat(bool *ok = nullptr) const;
+    double toDouble(bool *ok = nullptr) const;
+
+    using StringFunctions::leftDoubleLength;
+    using StringFunctions::leftIntegerLength;
+
+    /// How many leading units form an integer, or a floating-point number.
+    int leftIntegerLength(int base = 10) const { return leftIntegerLength(constData(), length(), base); }
+    int leftDoubleLength() const { return leftDoubleLength(constData(), length()); }
 
     // Growth
 
@@ -459,8 +722,6 @@ private:
     TStringCore &assignFromSelf(int position, int count);
     TStringCore &assignRepeated(TCodeUnit const *units, int count, int times);
 
-    int compareUnits(TCodeUnit const *text, int count) const noexcept;
-
     vansys::detail::StringStorage m_storage;
 };
 
@@ -487,6 +748,12 @@ public:
 private:
     TStringCore m_message;
 };
+
+inline vansys::detail::TextArgument::TextArgument(TStringCore const &text) noexcept
+    : m_units(text.constData()),
+      m_length(text.length())
+{
+}
 
 static_assert(sizeof(TStringCore) == 32 && sizeof(TStringCore::Exception) == 32);
 

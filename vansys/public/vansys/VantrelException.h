@@ -5,15 +5,21 @@
 #include "vansys/Export.h"
 #include "vansys/TStringCore.h"
 
+#include <exception>
 #include <list>
 #include <vector>
+
+class TFormatStringCore;
 
 /// An exception that carries a stack of messages, and beside it a stack of redacted messages.
 ///
 /// Each layer that an exception passes through may add its own context (`StackExceptionAndRethrow`). A
 /// redacted message is the text of a message without the values that were put into it, fit for logs in places
-/// where the values are not. A message that was given as plain text has no redacted form. Empty texts are
-/// never stacked.
+/// where the values are not: of a message from a `TFormatStringCore`, the format string. A message that was
+/// given as plain text has no redacted form. Empty texts are never stacked.
+///
+/// What takes a `TFormatStringCore` needs its header, which this one does not include. It throws
+/// `TFormatStringCore::Exception` when there are too few arguments.
 ///
 /// It does not derive from `std::exception`. Exceptions are values: copying copies both stacks. One object is
 /// used by one thread at a time; `Clone` gives another thread its own.
@@ -31,6 +37,12 @@ public:
 
     /// The messages are a copy of the list, empty ones included; nothing is redacted.
     explicit VantrelException(std::list<TStringCore> const &messages);
+
+    /// Stacks one message, and its redacted form.
+    explicit VantrelException(TFormatStringCore const &message);
+
+    /// Stacks the text of `what()` as `ToString` gives it.
+    explicit VantrelException(std::exception const &exception);
 
     /// Stacks one message of plain text.
     explicit VantrelException(TStringCore const &message);
@@ -62,6 +74,9 @@ public:
     /// The same as `CollateMessagesForLog`.
     virtual TStringCore GetConcatenatedMessages() const;
 
+    /// Adds a message behind the others, and its redacted form behind those; neither if the message is empty.
+    void StackMessage(TFormatStringCore const &message);
+
     /// Adds a message of plain text behind the others, unless it is empty.
     void StackMessage(TStringCore const &message);
 
@@ -70,6 +85,9 @@ public:
     void StackMessage(TCodeUnit const *message) { StackMessage(TStringCore(message)); }
 
     void StackMessage(TWideTwin const *message) { StackMessage(TStringCore(message)); }
+
+    /// Adds a message before the others, and its redacted form before those; neither if the message is empty.
+    void StackMessageFront(TFormatStringCore const &message);
 
     /// Adds a message of plain text before the others, unless it is empty.
     void StackMessageFront(TStringCore const &message);
@@ -81,6 +99,7 @@ public:
     void StackMessageFront(TWideTwin const *message) { StackMessageFront(TStringCore(message)); }
 
     /// Clears both stacks, then stacks the message.
+    void SetMessage(TFormatStringCore const &message);
     void SetMessage(TStringCore const &message);
 
     void SetMessage(char const *message) { SetMessage(TStringCore(message)); }
@@ -98,6 +117,10 @@ public:
     /// A copy of the messages, in order.
     std::vector<TStringCore> GetMessagesVector() const;
 
+    /// Sets `out` to the text of `what()`, read in the platform's default code page
+    /// (`TStringCore::fromLocal8Bit`), or as UTF-8 should that fail.
+    static void ToString(std::exception const &exception, TStringCore &out);
+
 protected:
     /// No message at all.
     VantrelException();
@@ -111,6 +134,7 @@ private:
 /// To be called inside a catch block only (elsewhere it ends the process, as `throw;` does). Re-throws the
 /// exception that is being handled. A `VantrelException` of any subclass gets the message stacked first, on
 /// that same object, and keeps its type; any other exception passes through as it is.
+[[noreturn]] VANSYS_API void StackExceptionAndRethrow(TFormatStringCore const &message);
 [[noreturn]] VANSYS_API void StackExceptionAndRethrow(TStringCore const &message);
 
 [[noreturn]] inline void StackExceptionAndRethrow(char const *message)

@@ -13,6 +13,7 @@ class VANSYS_API VantrelUserErrorException : public VantrelException
 public:
     VantrelUserErrorException(VantrelUserErrorException const &) = default;
 
+    explicit VantrelUserErrorException(TFormatStringCore const &message);
     explicit VantrelUserErrorException(TStringCore const &message);
 
     /// The same from a literal, wide or UTF-8: always plain text.

@@ -1,16 +1,26 @@
 /// @file
-/// The comparison operators of TStringCore: what `TStringCore::compare` says, against another string and
-/// against zero-terminated text of each of the three types. Without the latter, the conversion of a string to
-/// a pointer would make `text == u"literal"` compare addresses.
+/// The comparison operators of TStringCore: what `TStringCore::compare` says, against another string, against
+/// zero-terminated text of each of the three types, and against one unit. Without those for text, the
+/// conversion of a string to a pointer would make `text == u"literal"` compare addresses.
 #pragma once
 
 #include "vansys/TStringCore.h"
 
 #include <cstring>
+#include <type_traits>
 
 #if defined(__cpp_impl_three_way_comparison)
 #    include <compare>
 #endif
+
+namespace vansys::detail
+{
+
+/// Zero-terminated text, or one unit, of any type that `TStringCore::Text` takes.
+template <class Other>
+using EnableIfTextOrUnit = EnableIfCharacter<std::remove_cv_t<std::remove_pointer_t<Other>>>;
+
+} // namespace vansys::detail
 
 inline bool operator==(TStringCore const &a, TStringCore const &b) noexcept
 {
@@ -42,74 +52,74 @@ inline bool operator>=(TStringCore const &a, TStringCore const &b) noexcept
     return a.compare(b) >= 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator==(TStringCore const &a, Character const *b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator==(TStringCore const &a, Other b)
 {
     return a.compare(b) == 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator==(Character const *a, TStringCore const &b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator==(Other a, TStringCore const &b)
 {
     return b.compare(a) == 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator!=(TStringCore const &a, Character const *b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator!=(TStringCore const &a, Other b)
 {
     return a.compare(b) != 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator!=(Character const *a, TStringCore const &b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator!=(Other a, TStringCore const &b)
 {
     return b.compare(a) != 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator<(TStringCore const &a, Character const *b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator<(TStringCore const &a, Other b)
 {
     return a.compare(b) < 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator<(Character const *a, TStringCore const &b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator<(Other a, TStringCore const &b)
 {
     return b.compare(a) > 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator<=(TStringCore const &a, Character const *b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator<=(TStringCore const &a, Other b)
 {
     return a.compare(b) <= 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator<=(Character const *a, TStringCore const &b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator<=(Other a, TStringCore const &b)
 {
     return b.compare(a) >= 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator>(TStringCore const &a, Character const *b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator>(TStringCore const &a, Other b)
 {
     return a.compare(b) > 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator>(Character const *a, TStringCore const &b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator>(Other a, TStringCore const &b)
 {
     return b.compare(a) < 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator>=(TStringCore const &a, Character const *b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator>=(TStringCore const &a, Other b)
 {
     return a.compare(b) >= 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-bool operator>=(Character const *a, TStringCore const &b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+bool operator>=(Other a, TStringCore const &b)
 {
     return b.compare(a) <= 0;
 }
@@ -124,8 +134,8 @@ inline std::strong_ordering operator<=>(TStringCore const &a, TStringCore const 
     return a.compare(b) <=> 0;
 }
 
-template <class Character, class = vansys::detail::EnableIfCharacter<Character>>
-std::strong_ordering operator<=>(TStringCore const &a, Character const *b)
+template <class Other, class = vansys::detail::EnableIfTextOrUnit<Other>>
+std::strong_ordering operator<=>(TStringCore const &a, Other b)
 {
     return a.compare(b) <=> 0;
 }

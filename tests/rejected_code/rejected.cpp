@@ -1,0 +1,53 @@
+// What the compiler must reject: one thing for each value of REJECTED, and for 0 nothing.
+
+#include "vansys/TFormatLiteral.h"
+#include "vansys/TScanStringCore.h"
+
+#if REJECTED == 0
+
+// The same as below, as it is meant.
+constexpr TFormatLiteral<1> Constant = "%1%%";
+TStringCore const text = FormatText(u"%1 of %2", 1, Constant.text(u'x'));
+TStringCore const last = TFormatLiteral("%9").arg(1, 2).arg(TStringCore(u"a"), u'x' - u'a');
+TFormatStringCore const format = CheckedFormat(L"%1", text);
+TScanStringCore const scan(text);
+
+#elif REJECTED == 1
+TStringCore const text = FormatText(u"%0", 1);
+#elif REJECTED == 2
+TStringCore const text = FormatText("%x", 1);
+#elif REJECTED == 3
+TFormatStringCore const format = CheckedFormat(L"%1 of %100", 1);
+#elif REJECTED == 4
+TStringCore const text = TFormatLiteral(u8"100 %").text();
+#elif REJECTED == 5 || REJECTED == 6
+
+// Digits of which one comes before "0".
+struct OtherDigits : vansys::detail::FormatLiteralSink
+{
+    constexpr bool isDigit(TCodeUnit unit) const noexcept { return unit >= u'/' && unit <= u'9'; }
+};
+
+constexpr int scan(char16_t const *begin, char16_t const *end)
+{
+    OtherDigits digits;
+    return vansys::detail::ScanFormat(begin, end, digits);
+}
+
+constexpr char16_t Format[] = u"%/.";
+constexpr int number = scan(Format, Format + (REJECTED == 5 ? 3 : 2));
+
+#elif REJECTED == 7
+TStringCore const text = FormatText(u"%1 of %2", 1);
+#elif REJECTED == 8
+constexpr TFormatLiteral<1> Constant = "%2";
+#elif REJECTED == 9
+TFormatStringCore const format = TFormatStringCore(u"%1").arg(TStringCore(u"a"), u'x');
+#elif REJECTED == 10
+TFormatStringCore const format = TFormatStringCore(u"%1").arg(5, 3, u'0');
+#elif REJECTED == 11
+TScanStringCore const scan(TStringCore(u"a"));
+#elif REJECTED == 12
+TWideTwin const twin[] = {0};
+TScanStringCore const scan(twin);
+#endif

@@ -1,0 +1,217 @@
+#include "support/ReferenceText.h"
+#include "support/TestText.h"
+#include "vansys/TStringCore.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
+
+using namespace std::string_view_literals;
+
+namespace
+{
+
+constexpr int MaxInt = std::numeric_limits<int>::max();
+constexpr int MinInt = std::numeric_limits<int>::min();
+constexpr TCodeUnit const *NullText = nullptr;
+constexpr auto AnyCase = TStringCore::CaseInsensitive;
+
+enum Storage
+{
+    Inline,
+    Heap,
+    Shared,
+};
+
+constexpr Storage AllStorage[] = {Inline, Heap, Shared};
+
+/// A string in the storage that is asked for, given that it fits inline. `other` is the one that shares it.
+TStringCore stringIn(Storage storage, TStringCore text, TStringCore &other)
+{
+    if (storage != Inline)
+        text.reserve(40);
+    other = storage == Shared ? text : TStringCore();
+    return text;
+}
+
+struct Row
+{
+    std::u16string_view text;
+    std::function<void(TStringCore &)> change;
+    std::u16string_view expected;
+};
+
+/// Every row in every kind of storage: the other string keeps its text, and a string that does not change
+/// goes on sharing.
+void checkRows(std::vector<Row> const &rows)
+{
+    for (std::size_t i = 0; i < rows.size(); ++i)
+    {
+        for (Storage const storage : AllStorage)
+        {
+            SCOPED_TRACE(testing::Message() << "row " << i << ", storage " << storage);
+            TStringCore const before(rows[i].text);
+            TStringCore const after(rows[i].expected);
+            TStringCore other;
+            TStringCore string = stringIn(storage, before, other);
+            rows[i].change(string);
+            EXPECT_EQ(string, after);
+            EXPECT_EQ(string.constData()[string.length()], 0);
+            if (storage == Shared)
+            {
+                EXPECT_EQ(other, before);
+                EXPECT_EQ(string.constData() == other.constData(), before == after);
+            }
+        }
+    }
+}
+
+} // namespace
+
+TEST(TStringCoreEdit, InsertsAndRemoves)
+{
+    auto const abc = u"abcdef"sv;
+    checkRows({
+        {abc, [](TStringCore &s) { s.insert(MinInt, L"XY"); }, u"XYabcdef"},
+        {abc, [](TStringCore &s) { s.insert(MaxInt, "X\xC3\xA9"); }, u"abcdefX\u00E9"},
+        {abc, [](TStringCore &s) { s.insert(3, TStringCore(u"a\0"sv)); }, u"abca\0def"sv},
+        {abc, [](TStringCore &s) { s.insert(2, u"long enough for the heap"); },
+         u"ablong enough for the heapcdef"},
+        {abc, [](TStringCore &s) { s.insert(3, s); }, u"abcabcdefdef"},
+        {abc, [](TStringCore &s) { s.insert(2, s.constData() + 1); }, u"abbcdefcdef"},
+        {abc,
+         [](TStringCore &s) { s.insert(0, s.constData() + 6).replace(6, 1, u"").replace(2, 0, nullptr); },
+         abc},
+        {abc, [](TStringCore &s) { s.insert(1, NullText).insert(1, u"").insert(1, nullptr); }, abc},
+        {abc, [](TStringCore &s) { s.prepend(u'x').push_front('y').push_front(L'z'); }, u"zyxabcdef"},
+        {abc, [](TStringCore &s) { s.removeAt(1).removeAt(0, 2); }, u"def"},
+        {abc, [](TStringCore &s) { s.removeAt(-1, 2); }, u"cdef"},
+        {abc, [](TStringCore &s) { s.removeAt(4, MaxInt); }, u"abcd"},
+        {abc, [](TStringCore &s) { s.removeAt(6).removeAt(MaxInt, MaxInt).removeAt(2, 0); }, abc},
+        {abc, [](TStringCore &s) { s.replace(1, 3, 'X'); }, u"aXef"},
+        {abc, [](TStringCore &s) { s.replace(MinInt, MaxInt, u"x"); }, u"x"},
+        {abc, [](TStringCore &s) { s.replace(4, -1, s); }, u"abcdabcdef"},
+        {abc, [](TStringCore &s) { s.replace(1, 4, s.constData() + 4); }, u"aeff"},
+    });
+}
+
+TEST(TStringCoreEdit, ReplacesAndRemovesMatches)
+{
+    auto const abc = u"abcabc"sv;
+    checkRows({
+        {abc, [](TStringCore &s) { s.replace(u"c", u"more than fits"); },
+         u"abmore than fitsabmore than fits"},
+        {abc, [](TStringCore &s) { s.replace(u'A', u'x', AnyCase); }, u"xbcxbc"},
+        {abc, [](TStringCore &s) { s.replace(u"BC", u"bcd", AnyCase); }, u"abcdabcd"},
+        {abc, [](TStringCore &s) { s.replace(s, s).replace(s, u"x"); }, u"x"},
+        {abc, [](TStringCore &s) { s.replace(u"a", s); }, u"abcabcbcabcabcbc"},
+        {abc, [](TStringCore &s) { s.replace(s.constData() + 4, s.constData() + 3); }, u"aabcaabc"},
+        {abc, [](TStringCore &s) { s.replace(s.constData() + 3, s.constData() + 5); }, u"cc"},
+        {abc, [](TStringCore &s) { s.replace(u"B", u"x").replace(u"", u"x").replace(NullText, s); }, abc},
+        {abc, [](TStringCore &s) { s.removeAll("BC", AnyCase).removeAll(u'a'); }, u""},
+        {abc, [](TStringCore &s) { s.removeAll(s.constData() + 5); }, u"abab"},
+        {abc, [](TStringCore &s) { s.removeAll(s); }, u""},
+        {abc, [](TStringCore &s) { s.removeAll(u"").removeAll(u"x").removeAll(nullptr); }, abc},
+        {abc, [](TStringCore &s) { s.removeAnyOf(u"ab", 3); }, u"abcc"},
+        {abc, [](TStringCore &s) { s.removeAnyOf(s.constData() + 4, -7); }, u"aa"},
+        {abc, [](TStringCore &s) { s.removeAnyOf(s); }, u""},
+        {abc, [](TStringCore &s) { s.removeAnyOf(u"x").removeAnyOf(u"a", MaxInt).removeAnyOf(nullptr); },
+         abc},
+        {abc, [](TStringCore &s) { s.replaceAnyOf(s, u'-', 1); }, u"a-----"},
+        {abc, [](TStringCore &s) { s.replaceAnyOf(u"x", u'-').replaceAnyOf(u"a", u'-', 4); }, abc},
+    });
+}
+
+TEST(TStringCoreEdit, CutsTrimsAndReverses)
+{
+    auto const abc = u"abcabc"sv;
+    auto const blanks = u" \t\u3000a b\u00A0\r\n"sv;
+    checkRows({
+        {u"ab\0c\0"sv, [](TStringCore &s) { s.truncateAtFirstNull(); }, u"ab"},
+        {abc, [](TStringCore &s) { s.truncateAtFirstNull(); }, abc},
+        {abc, [](TStringCore &s) { s.chop(MaxInt); }, u""},
+        {abc, [](TStringCore &s) { s.chop(MinInt), s.truncate(MaxInt); }, abc},
+        {u"a", [](TStringCore &s) { s.reverse(); }, u"a"},
+        {blanks, [](TStringCore &s) { s.trim(); }, u"a b"},
+        {blanks, [](TStringCore &s) { s.trimLeft(); }, u"a b\u00A0\r\n"},
+        {u" \u200B ", [](TStringCore &s) { s.trim(); }, u"\u200B"},
+        {u" \n ", [](TStringCore &s) { s.trimLeft(); }, u""},
+        {abc, [](TStringCore &s) { s.trim().trimLeft().trimRight(); }, abc},
+        {abc, [](TStringCore &s) { s.trim(u"ca"); }, u"bcab"},
+        {abc, [](TStringCore &s) { s.trimLeft('a').trimRight(L"bc"); }, u"bca"},
+        {abc, [](TStringCore &s) { s.trimRight(s.constData() + 4); }, u"abca"},
+        {abc, [](TStringCore &s) { s.trim(s); }, u""},
+        {abc, [](TStringCore &s) { s.trim(u"b").trim(nullptr).trimLeft(u"").trimRight(u' '); }, abc},
+        {u"a\r\nb\n\r\r", [](TStringCore &s) { s.dosToUnix(); }, u"a\nb\n"},
+        {u"a\nb\n", [](TStringCore &s) { s.dosToUnix(); }, u"a\nb\n"},
+        {u"a\rb\n", [](TStringCore &s) { s.unixToDos(); }, u"a\r\nb\r\n"},
+        {u"a\r\nb\r\n", [](TStringCore &s) { s.unixToDos(); }, u"a\r\nb\r\n"},
+    });
+}
+
+TEST(TStringCoreEdit, AgreesWithTheReference)
+{
+    RandomText random(u"aAb,");
+    for (int round = 0; round < 20000; ++round)
+    {
+        // Some have more matches than are remembered without touching the heap.
+        std::u16string const text = random.text(round % 50 == 0 ? 1000 : 14);
+        std::u16string const before = random.text(3);
+        int const size = static_cast<int>(text.size());
+        int const position = random.number(-1, size + 1);
+        int const count = random.number(-1, size + 1);
+        auto const storage = AllStorage[random.number(0, 2)];
+        bool const folds = random.number(0, 1) == 1;
+        SCOPED_TRACE(testing::Message() << "round " << round << ", storage " << storage);
+        auto const fold = folds ? reference::foldAscii : reference::keepCase;
+        auto const sensitivity = folds ? TStringCore::CaseInsensitive : TStringCore::CaseSensitive;
+
+        TStringCore other;
+        TStringCore string = stringIn(storage, TStringCore(text), other);
+        // Every other text is part of the string itself.
+        bool const own = random.number(0, 1) == 1;
+        int const place = random.number(0, size);
+        std::u16string const after = own ? text.substr(static_cast<std::size_t>(place)) : random.text(5);
+        TStringCore const outside(after);
+        TCodeUnit const *const argument = own ? string.constData() + place : outside.constData();
+
+        std::u16string expected = text;
+        auto const from = static_cast<std::size_t>(std::clamp(position, 0, size));
+        switch (random.number(0, 3))
+        {
+        case 0:
+            expected.insert(from, after);
+            string.insert(position, argument);
+            break;
+        case 1:
+            expected.replace(from, count < 0 ? std::u16string::npos : static_cast<std::size_t>(count), after);
+            string.replace(position, count, argument);
+            break;
+        case 2:
+            expected = reference::replace(text, before, after, fold);
+            ASSERT_EQ(string.replaceCount(TStringCore(before), argument, sensitivity),
+                      static_cast<int>(reference::matches(text, before, fold).size()));
+            break;
+        default:
+            expected = reference::replace(text, after, u"", fold);
+            string.removeAll(argument, sensitivity);
+        }
+        ASSERT_EQ(string, TStringCore(expected));
+        ASSERT_EQ(other, storage == Shared ? TStringCore(text) : TStringCore());
+    }
+}
+
+TEST(TStringCoreEdit, RefusesLengthsBeyondInt)
+{
+    TStringCore const long70000(u'a', 70000);
+    TStringCore text = long70000;
+    std::vector<TStringCore> const parts(70000, long70000);
+    EXPECT_THROW(text.replace(u"a", long70000), TStringCore::Exception);
+    EXPECT_THROW((void)text.repeated(70000), TStringCore::Exception);
+    EXPECT_THROW((void)TStringCore::join(parts, nullptr), TStringCore::Exception);
+    EXPECT_EQ(text.constData(), long70000.constData());
+}

@@ -1,0 +1,534 @@
+/// @file
+/// The types of the ICU layer: status, handles, and the enumerations and structures that mirror ICU's.
+///
+/// Enumerators have ICU's names and values, so that ICU's own documentation applies; they are in namespace
+/// `VanICU`. ICU's markers of where a range of values begins or ends are left out: they move from release to
+/// release.
+#pragma once
+
+#include "vansys/TCodeUnit.h"
+
+namespace VanICU
+{
+
+// Status
+
+/// The outcome of an ICU call: a failure is positive, success is `U_ZERO_ERROR` or negative. Negative values
+/// are warnings.
+enum ICUErrorCode : int
+{
+    // Warnings: the call has succeeded.
+    U_USING_FALLBACK_WARNING = -128,
+    U_USING_DEFAULT_WARNING = -127,
+    U_SAFECLONE_ALLOCATED_WARNING = -126,
+    U_STATE_OLD_WARNING = -125,
+    U_STRING_NOT_TERMINATED_WARNING = -124,
+    U_SORT_KEY_TOO_SHORT_WARNING = -123,
+    U_AMBIGUOUS_ALIAS_WARNING = -122,
+    U_DIFFERENT_UCA_VERSION = -121,
+    U_PLUGIN_CHANGED_LEVEL_WARNING = -120,
+
+    // Success.
+    U_ZERO_ERROR = 0,
+
+    // Failures of any part of ICU.
+    U_ILLEGAL_ARGUMENT_ERROR = 1,
+    U_MISSING_RESOURCE_ERROR = 2,
+    U_INVALID_FORMAT_ERROR = 3,
+    U_FILE_ACCESS_ERROR = 4,
+    U_INTERNAL_PROGRAM_ERROR = 5,
+    U_MESSAGE_PARSE_ERROR = 6,
+    U_MEMORY_ALLOCATION_ERROR = 7,
+    U_INDEX_OUTOFBOUNDS_ERROR = 8,
+    U_PARSE_ERROR = 9,
+    U_INVALID_CHAR_FOUND = 10,
+    U_TRUNCATED_CHAR_FOUND = 11,
+    U_ILLEGAL_CHAR_FOUND = 12,
+    U_INVALID_TABLE_FORMAT = 13,
+    U_INVALID_TABLE_FILE = 14,
+    U_BUFFER_OVERFLOW_ERROR = 15,
+    U_UNSUPPORTED_ERROR = 16,
+    U_RESOURCE_TYPE_MISMATCH = 17,
+    U_ILLEGAL_ESCAPE_SEQUENCE = 18,
+    U_UNSUPPORTED_ESCAPE_SEQUENCE = 19,
+    U_NO_SPACE_AVAILABLE = 20,
+    U_CE_NOT_FOUND_ERROR = 21,
+    U_PRIMARY_TOO_LONG_ERROR = 22,
+    U_STATE_TOO_OLD_ERROR = 23,
+    U_TOO_MANY_ALIASES_ERROR = 24,
+    U_ENUM_OUT_OF_SYNC_ERROR = 25,
+    U_INVARIANT_CONVERSION_ERROR = 26,
+    U_INVALID_STATE_ERROR = 27,
+    U_COLLATOR_VERSION_MISMATCH = 28,
+    U_USELESS_COLLATOR_ERROR = 29,
+    U_NO_WRITE_PERMISSION = 30,
+    U_INPUT_TOO_LONG_ERROR = 31,
+
+    // Failures of transliterators.
+    U_BAD_VARIABLE_DEFINITION = 0x10000,
+    U_MALFORMED_RULE = 0x10001,
+    U_MALFORMED_SET = 0x10002,
+    U_MALFORMED_SYMBOL_REFERENCE = 0x10003,
+    U_MALFORMED_UNICODE_ESCAPE = 0x10004,
+    U_MALFORMED_VARIABLE_DEFINITION = 0x10005,
+    U_MALFORMED_VARIABLE_REFERENCE = 0x10006,
+    U_MISMATCHED_SEGMENT_DELIMITERS = 0x10007,
+    U_MISPLACED_ANCHOR_START = 0x10008,
+    U_MISPLACED_CURSOR_OFFSET = 0x10009,
+    U_MISPLACED_QUANTIFIER = 0x1000A,
+    U_MISSING_OPERATOR = 0x1000B,
+    U_MISSING_SEGMENT_CLOSE = 0x1000C,
+    U_MULTIPLE_ANTE_CONTEXTS = 0x1000D,
+    U_MULTIPLE_CURSORS = 0x1000E,
+    U_MULTIPLE_POST_CONTEXTS = 0x1000F,
+    U_TRAILING_BACKSLASH = 0x10010,
+    U_UNDEFINED_SEGMENT_REFERENCE = 0x10011,
+    U_UNDEFINED_VARIABLE = 0x10012,
+    U_UNQUOTED_SPECIAL = 0x10013,
+    U_UNTERMINATED_QUOTE = 0x10014,
+    U_RULE_MASK_ERROR = 0x10015,
+    U_MISPLACED_COMPOUND_FILTER = 0x10016,
+    U_MULTIPLE_COMPOUND_FILTERS = 0x10017,
+    U_INVALID_RBT_SYNTAX = 0x10018,
+    U_INVALID_PROPERTY_PATTERN = 0x10019,
+    U_MALFORMED_PRAGMA = 0x1001A,
+    U_UNCLOSED_SEGMENT = 0x1001B,
+    U_ILLEGAL_CHAR_IN_SEGMENT = 0x1001C,
+    U_VARIABLE_RANGE_EXHAUSTED = 0x1001D,
+    U_VARIABLE_RANGE_OVERLAP = 0x1001E,
+    U_ILLEGAL_CHARACTER = 0x1001F,
+    U_INTERNAL_TRANSLITERATOR_ERROR = 0x10020,
+    U_INVALID_ID = 0x10021,
+    U_INVALID_FUNCTION = 0x10022,
+
+    // Failures of formats.
+    U_UNEXPECTED_TOKEN = 0x10100,
+    U_MULTIPLE_DECIMAL_SEPARATORS = 0x10101,
+    U_MULTIPLE_DECIMAL_SEPERATORS = 0x10101,
+    U_MULTIPLE_EXPONENTIAL_SYMBOLS = 0x10102,
+    U_MALFORMED_EXPONENTIAL_PATTERN = 0x10103,
+    U_MULTIPLE_PERCENT_SYMBOLS = 0x10104,
+    U_MULTIPLE_PERMILL_SYMBOLS = 0x10105,
+    U_MULTIPLE_PAD_SPECIFIERS = 0x10106,
+    U_PATTERN_SYNTAX_ERROR = 0x10107,
+    U_ILLEGAL_PAD_POSITION = 0x10108,
+    U_UNMATCHED_BRACES = 0x10109,
+    U_UNSUPPORTED_PROPERTY = 0x1010A,
+    U_UNSUPPORTED_ATTRIBUTE = 0x1010B,
+    U_ARGUMENT_TYPE_MISMATCH = 0x1010C,
+    U_DUPLICATE_KEYWORD = 0x1010D,
+    U_UNDEFINED_KEYWORD = 0x1010E,
+    U_DEFAULT_KEYWORD_MISSING = 0x1010F,
+    U_DECIMAL_NUMBER_SYNTAX_ERROR = 0x10110,
+    U_FORMAT_INEXACT_ERROR = 0x10111,
+    U_NUMBER_ARG_OUTOFBOUNDS_ERROR = 0x10112,
+    U_NUMBER_SKELETON_SYNTAX_ERROR = 0x10113,
+
+    // Failures of break iterators.
+    U_BRK_INTERNAL_ERROR = 0x10200,
+    U_BRK_HEX_DIGITS_EXPECTED = 0x10201,
+    U_BRK_SEMICOLON_EXPECTED = 0x10202,
+    U_BRK_RULE_SYNTAX = 0x10203,
+    U_BRK_UNCLOSED_SET = 0x10204,
+    U_BRK_ASSIGN_ERROR = 0x10205,
+    U_BRK_VARIABLE_REDFINITION = 0x10206,
+    U_BRK_MISMATCHED_PAREN = 0x10207,
+    U_BRK_NEW_LINE_IN_QUOTED_STRING = 0x10208,
+    U_BRK_UNDEFINED_VARIABLE = 0x10209,
+    U_BRK_INIT_ERROR = 0x1020A,
+    U_BRK_RULE_EMPTY_SET = 0x1020B,
+    U_BRK_UNRECOGNIZED_OPTION = 0x1020C,
+    U_BRK_MALFORMED_RULE_TAG = 0x1020D,
+
+    // Failures of regular expressions.
+    U_REGEX_INTERNAL_ERROR = 0x10300,
+    U_REGEX_RULE_SYNTAX = 0x10301,
+    U_REGEX_INVALID_STATE = 0x10302,
+    U_REGEX_BAD_ESCAPE_SEQUENCE = 0x10303,
+    U_REGEX_PROPERTY_SYNTAX = 0x10304,
+    U_REGEX_UNIMPLEMENTED = 0x10305,
+    U_REGEX_MISMATCHED_PAREN = 0x10306,
+    U_REGEX_NUMBER_TOO_BIG = 0x10307,
+    U_REGEX_BAD_INTERVAL = 0x10308,
+    U_REGEX_MAX_LT_MIN = 0x10309,
+    U_REGEX_INVALID_BACK_REF = 0x1030A,
+    U_REGEX_INVALID_FLAG = 0x1030B,
+    U_REGEX_LOOK_BEHIND_LIMIT = 0x1030C,
+    U_REGEX_SET_CONTAINS_STRING = 0x1030D,
+    U_REGEX_OCTAL_TOO_BIG = 0x1030E,
+    U_REGEX_MISSING_CLOSE_BRACKET = 0x1030F,
+    U_REGEX_INVALID_RANGE = 0x10310,
+    U_REGEX_STACK_OVERFLOW = 0x10311,
+    U_REGEX_TIME_OUT = 0x10312,
+    U_REGEX_STOPPED_BY_CALLER = 0x10313,
+    U_REGEX_PATTERN_TOO_BIG = 0x10314,
+    U_REGEX_INVALID_CAPTURE_GROUP_NAME = 0x10315,
+
+    // Failures of domain names and string preparation.
+    U_IDNA_PROHIBITED_ERROR = 0x10400,
+    U_IDNA_UNASSIGNED_ERROR = 0x10401,
+    U_IDNA_CHECK_BIDI_ERROR = 0x10402,
+    U_IDNA_STD3_ASCII_RULES_ERROR = 0x10403,
+    U_IDNA_ACE_PREFIX_ERROR = 0x10404,
+    U_IDNA_VERIFICATION_ERROR = 0x10405,
+    U_IDNA_LABEL_TOO_LONG_ERROR = 0x10406,
+    U_IDNA_ZERO_LENGTH_LABEL_ERROR = 0x10407,
+    U_IDNA_DOMAIN_NAME_TOO_LONG_ERROR = 0x10408,
+    U_STRINGPREP_PROHIBITED_ERROR = 0x10400,
+    U_STRINGPREP_UNASSIGNED_ERROR = 0x10401,
+    U_STRINGPREP_CHECK_BIDI_ERROR = 0x10402,
+
+    // Failures of plug-ins.
+    U_PLUGIN_TOO_HIGH = 0x10500,
+    U_PLUGIN_DIDNT_SET_LEVEL = 0x10501,
+};
+
+/// Whether a call has succeeded, warnings included: 1 or 0.
+constexpr signed char ICU_SUCCESS(ICUErrorCode code) noexcept
+{
+    return code <= U_ZERO_ERROR;
+}
+
+/// Whether a call has failed: 1 or 0.
+constexpr signed char ICU_FAILURE(ICUErrorCode code) noexcept
+{
+    return code > U_ZERO_ERROR;
+}
+
+/// Where a rule or pattern is wrong.
+struct ICUParseError
+{
+    /// The line, from 1; not positive when lines are not counted.
+    int line;
+
+    /// The position in units, from the start of the line or, without one, of the text; negative when unknown.
+    int offset;
+
+    /// The text before the error, zero-terminated; may be cut short.
+    TCodeUnit preContext[16];
+
+    /// The text at and after the error, zero-terminated; may be cut short.
+    TCodeUnit postContext[16];
+};
+
+// Handles. What a function of the layer opens is closed by its counterpart, on any thread, once. A handle is
+// used by one thread at a time.
+
+struct ICUBreakIterator;
+struct ICU_Collator;
+struct ICUConverter;
+struct ICUCharsetDetector;
+struct ICUEnumeration;
+struct ICUNumberFormat;
+struct ICURegularExpression;
+struct ICUStringSearch;
+struct ICUText;
+struct UCaseMap;
+
+/// Belongs to its detector.
+struct ICUCharsetMatch;
+
+/// Belongs to ICU, is never closed, and may be used by several threads at once.
+struct ICUNormalizer2;
+
+/// An iterator over text, for `t_ucol_strcollIter`. The caller provides the memory and need not give it back;
+/// `t_uiter_setUTF8` fills it. What is in it is ICU's own business.
+struct UCharIterator
+{
+    void const *context;
+    int state[5];
+    void (*functions[10])();
+};
+
+// Enumerations
+
+/// A property of Unicode characters. `t_u_hasBinaryProperty` knows the binary ones.
+enum ICUProperty : int
+{
+    // Binary properties.
+    UCHAR_ALPHABETIC = 0,
+    UCHAR_ASCII_HEX_DIGIT = 1,
+    UCHAR_BIDI_CONTROL = 2,
+    UCHAR_BIDI_MIRRORED = 3,
+    UCHAR_DASH = 4,
+    UCHAR_DEFAULT_IGNORABLE_CODE_POINT = 5,
+    UCHAR_DEPRECATED = 6,
+    UCHAR_DIACRITIC = 7,
+    UCHAR_EXTENDER = 8,
+    UCHAR_FULL_COMPOSITION_EXCLUSION = 9,
+    UCHAR_GRAPHEME_BASE = 10,
+    UCHAR_GRAPHEME_EXTEND = 11,
+    UCHAR_GRAPHEME_LINK = 12,
+    UCHAR_HEX_DIGIT = 13,
+    UCHAR_HYPHEN = 14,
+    UCHAR_ID_CONTINUE = 15,
+    UCHAR_ID_START = 16,
+    UCHAR_IDEOGRAPHIC = 17,
+    UCHAR_IDS_BINARY_OPERATOR = 18,
+    UCHAR_IDS_TRINARY_OPERATOR = 19,
+    UCHAR_JOIN_CONTROL = 20,
+    UCHAR_LOGICAL_ORDER_EXCEPTION = 21,
+    UCHAR_LOWERCASE = 22,
+    UCHAR_MATH = 23,
+    UCHAR_NONCHARACTER_CODE_POINT = 24,
+    UCHAR_QUOTATION_MARK = 25,
+    UCHAR_RADICAL = 26,
+    UCHAR_SOFT_DOTTED = 27,
+    UCHAR_TERMINAL_PUNCTUATION = 28,
+    UCHAR_UNIFIED_IDEOGRAPH = 29,
+    UCHAR_UPPERCASE = 30,
+    UCHAR_WHITE_SPACE = 31,
+    UCHAR_XID_CONTINUE = 32,
+    UCHAR_XID_START = 33,
+    UCHAR_CASE_SENSITIVE = 34,
+    UCHAR_S_TERM = 35,
+    UCHAR_VARIATION_SELECTOR = 36,
+    UCHAR_NFD_INERT = 37,
+    UCHAR_NFKD_INERT = 38,
+    UCHAR_NFC_INERT = 39,
+    UCHAR_NFKC_INERT = 40,
+    UCHAR_SEGMENT_STARTER = 41,
+    UCHAR_PATTERN_SYNTAX = 42,
+    UCHAR_PATTERN_WHITE_SPACE = 43,
+    UCHAR_POSIX_ALNUM = 44,
+    UCHAR_POSIX_BLANK = 45,
+    UCHAR_POSIX_GRAPH = 46,
+    UCHAR_POSIX_PRINT = 47,
+    UCHAR_POSIX_XDIGIT = 48,
+    UCHAR_CASED = 49,
+    UCHAR_CASE_IGNORABLE = 50,
+    UCHAR_CHANGES_WHEN_LOWERCASED = 51,
+    UCHAR_CHANGES_WHEN_UPPERCASED = 52,
+    UCHAR_CHANGES_WHEN_TITLECASED = 53,
+    UCHAR_CHANGES_WHEN_CASEFOLDED = 54,
+    UCHAR_CHANGES_WHEN_CASEMAPPED = 55,
+    UCHAR_CHANGES_WHEN_NFKC_CASEFOLDED = 56,
+    UCHAR_EMOJI = 57,
+    UCHAR_EMOJI_PRESENTATION = 58,
+    UCHAR_EMOJI_MODIFIER = 59,
+    UCHAR_EMOJI_MODIFIER_BASE = 60,
+    UCHAR_EMOJI_COMPONENT = 61,
+    UCHAR_REGIONAL_INDICATOR = 62,
+    UCHAR_PREPENDED_CONCATENATION_MARK = 63,
+    UCHAR_EXTENDED_PICTOGRAPHIC = 64,
+
+    // Binary properties of strings: false for each code point of which none is a string of its own.
+    UCHAR_BASIC_EMOJI = 65,
+    UCHAR_EMOJI_KEYCAP_SEQUENCE = 66,
+    UCHAR_RGI_EMOJI_MODIFIER_SEQUENCE = 67,
+    UCHAR_RGI_EMOJI_FLAG_SEQUENCE = 68,
+    UCHAR_RGI_EMOJI_TAG_SEQUENCE = 69,
+    UCHAR_RGI_EMOJI_ZWJ_SEQUENCE = 70,
+    UCHAR_RGI_EMOJI = 71,
+
+    // Properties whose values are numbers.
+    UCHAR_BIDI_CLASS = 0x1000,
+    UCHAR_BLOCK = 0x1001,
+    UCHAR_CANONICAL_COMBINING_CLASS = 0x1002,
+    UCHAR_DECOMPOSITION_TYPE = 0x1003,
+    UCHAR_EAST_ASIAN_WIDTH = 0x1004,
+    UCHAR_GENERAL_CATEGORY = 0x1005,
+    UCHAR_JOINING_GROUP = 0x1006,
+    UCHAR_JOINING_TYPE = 0x1007,
+    UCHAR_LINE_BREAK = 0x1008,
+    UCHAR_NUMERIC_TYPE = 0x1009,
+    UCHAR_SCRIPT = 0x100A,
+    UCHAR_HANGUL_SYLLABLE_TYPE = 0x100B,
+    UCHAR_NFD_QUICK_CHECK = 0x100C,
+    UCHAR_NFKD_QUICK_CHECK = 0x100D,
+    UCHAR_NFC_QUICK_CHECK = 0x100E,
+    UCHAR_NFKC_QUICK_CHECK = 0x100F,
+    UCHAR_LEAD_CANONICAL_COMBINING_CLASS = 0x1010,
+    UCHAR_TRAIL_CANONICAL_COMBINING_CLASS = 0x1011,
+    UCHAR_GRAPHEME_CLUSTER_BREAK = 0x1012,
+    UCHAR_SENTENCE_BREAK = 0x1013,
+    UCHAR_WORD_BREAK = 0x1014,
+    UCHAR_BIDI_PAIRED_BRACKET_TYPE = 0x1015,
+    UCHAR_INDIC_POSITIONAL_CATEGORY = 0x1016,
+    UCHAR_INDIC_SYLLABIC_CATEGORY = 0x1017,
+    UCHAR_VERTICAL_ORIENTATION = 0x1018,
+
+    // The general category as a bit.
+    UCHAR_GENERAL_CATEGORY_MASK = 0x2000,
+
+    // The value of a digit or number.
+    UCHAR_NUMERIC_VALUE = 0x3000,
+
+    // Properties whose values are text.
+    UCHAR_AGE = 0x4000,
+    UCHAR_BIDI_MIRRORING_GLYPH = 0x4001,
+    UCHAR_CASE_FOLDING = 0x4002,
+    UCHAR_ISO_COMMENT = 0x4003,
+    UCHAR_LOWERCASE_MAPPING = 0x4004,
+    UCHAR_NAME = 0x4005,
+    UCHAR_SIMPLE_CASE_FOLDING = 0x4006,
+    UCHAR_SIMPLE_LOWERCASE_MAPPING = 0x4007,
+    UCHAR_SIMPLE_TITLECASE_MAPPING = 0x4008,
+    UCHAR_SIMPLE_UPPERCASE_MAPPING = 0x4009,
+    UCHAR_TITLECASE_MAPPING = 0x400A,
+    UCHAR_UNICODE_1_NAME = 0x400B,
+    UCHAR_UPPERCASE_MAPPING = 0x400C,
+    UCHAR_BIDI_PAIRED_BRACKET = 0x400D,
+
+    // The scripts that a character is used in.
+    UCHAR_SCRIPT_EXTENSIONS = 0x7000,
+
+    // No property.
+    UCHAR_INVALID_CODE = -1,
+};
+
+/// What a break iterator looks for. Titles are found as words are; the value is kept for old callers.
+enum ICUBreakIteratorType : int
+{
+    UBRK_CHARACTER = 0,
+    UBRK_WORD = 1,
+    UBRK_LINE = 2,
+    UBRK_SENTENCE = 3,
+    UBRK_TITLE = 4,
+};
+
+/// An attribute of a collator: what `t_ucol_setAttribute` changes.
+enum ICUColAttribute : int
+{
+    UCOL_FRENCH_COLLATION = 0,
+    UCOL_ALTERNATE_HANDLING = 1,
+    UCOL_CASE_FIRST = 2,
+    UCOL_CASE_LEVEL = 3,
+    UCOL_NORMALIZATION_MODE = 4,
+    UCOL_DECOMPOSITION_MODE = 4,
+    UCOL_STRENGTH = 5,
+    UCOL_HIRAGANA_QUATERNARY_MODE = 6,
+    UCOL_NUMERIC_COLLATION = 7,
+};
+
+/// The value of a collator's attribute; also the strength of a comparison.
+enum ICUColAttributeValue : int
+{
+    UCOL_DEFAULT = -1,
+    UCOL_PRIMARY = 0,
+    UCOL_SECONDARY = 1,
+    UCOL_TERTIARY = 2,
+    UCOL_DEFAULT_STRENGTH = 2,
+    UCOL_QUATERNARY = 3,
+    UCOL_IDENTICAL = 15,
+    UCOL_OFF = 16,
+    UCOL_ON = 17,
+    UCOL_SHIFTED = 20,
+    UCOL_NON_IGNORABLE = 21,
+    UCOL_LOWER_FIRST = 24,
+    UCOL_UPPER_FIRST = 25,
+};
+
+/// How two texts compare.
+enum ICUCollationResult : int
+{
+    UCOL_EQUAL = 0,
+    UCOL_GREATER = 1,
+    UCOL_LESS = -1,
+};
+
+/// Which of the locales that an object came from: the one whose data it uses, the most specific one that is
+/// known, or the one that was asked for.
+enum ICULocDataLocaleType : int
+{
+    ULOC_ACTUAL_LOCALE = 0,
+    ULOC_VALID_LOCALE = 1,
+    ULOC_REQUESTED_LOCALE = 2,
+};
+
+/// The form that `t_unorm2_getInstance` gives.
+enum ICUNormalization2Mode : int
+{
+    UNORM2_COMPOSE = 0,
+    UNORM2_DECOMPOSE = 1,
+    UNORM2_FCD = 2,
+    UNORM2_COMPOSE_CONTIGUOUS = 3,
+};
+
+/// Whether a text is normalised already.
+enum ICUNormalizationCheckResult : int
+{
+    UNORM_NO = 0,
+    UNORM_YES = 1,
+    UNORM_MAYBE = 2,
+};
+
+/// The style of a number format.
+enum ICUNumberFormatStyle : int
+{
+    UNUM_PATTERN_DECIMAL = 0,
+    UNUM_DECIMAL = 1,
+    UNUM_CURRENCY = 2,
+    UNUM_PERCENT = 3,
+    UNUM_SCIENTIFIC = 4,
+    UNUM_SPELLOUT = 5,
+    UNUM_ORDINAL = 6,
+    UNUM_DURATION = 7,
+    UNUM_NUMBERING_SYSTEM = 8,
+    UNUM_PATTERN_RULEBASED = 9,
+    UNUM_CURRENCY_ISO = 10,
+    UNUM_CURRENCY_PLURAL = 11,
+    UNUM_CURRENCY_ACCOUNTING = 12,
+    UNUM_CASH_CURRENCY = 13,
+    UNUM_DECIMAL_COMPACT_SHORT = 14,
+    UNUM_DECIMAL_COMPACT_LONG = 15,
+    UNUM_CURRENCY_STANDARD = 16,
+    UNUM_DEFAULT = 1,
+    UNUM_IGNORE = 0,
+};
+
+/// A symbol of a number format.
+enum ICUNumberFormatSymbol : int
+{
+    UNUM_DECIMAL_SEPARATOR_SYMBOL = 0,
+    UNUM_GROUPING_SEPARATOR_SYMBOL = 1,
+    UNUM_PATTERN_SEPARATOR_SYMBOL = 2,
+    UNUM_PERCENT_SYMBOL = 3,
+    UNUM_ZERO_DIGIT_SYMBOL = 4,
+    UNUM_DIGIT_SYMBOL = 5,
+    UNUM_MINUS_SIGN_SYMBOL = 6,
+    UNUM_PLUS_SIGN_SYMBOL = 7,
+    UNUM_CURRENCY_SYMBOL = 8,
+    UNUM_INTL_CURRENCY_SYMBOL = 9,
+    UNUM_MONETARY_SEPARATOR_SYMBOL = 10,
+    UNUM_EXPONENTIAL_SYMBOL = 11,
+    UNUM_PERMILL_SYMBOL = 12,
+    UNUM_PAD_ESCAPE_SYMBOL = 13,
+    UNUM_INFINITY_SYMBOL = 14,
+    UNUM_NAN_SYMBOL = 15,
+    UNUM_SIGNIFICANT_DIGIT_SYMBOL = 16,
+    UNUM_MONETARY_GROUPING_SEPARATOR_SYMBOL = 17,
+    UNUM_ONE_DIGIT_SYMBOL = 18,
+    UNUM_TWO_DIGIT_SYMBOL = 19,
+    UNUM_THREE_DIGIT_SYMBOL = 20,
+    UNUM_FOUR_DIGIT_SYMBOL = 21,
+    UNUM_FIVE_DIGIT_SYMBOL = 22,
+    UNUM_SIX_DIGIT_SYMBOL = 23,
+    UNUM_SEVEN_DIGIT_SYMBOL = 24,
+    UNUM_EIGHT_DIGIT_SYMBOL = 25,
+    UNUM_NINE_DIGIT_SYMBOL = 26,
+    UNUM_EXPONENT_MULTIPLICATION_SYMBOL = 27,
+    UNUM_APPROXIMATELY_SIGN_SYMBOL = 28,
+};
+
+/// A text of a number format.
+enum ICUNumberFormatTextAttribute : int
+{
+    UNUM_POSITIVE_PREFIX = 0,
+    UNUM_POSITIVE_SUFFIX = 1,
+    UNUM_NEGATIVE_PREFIX = 2,
+    UNUM_NEGATIVE_SUFFIX = 3,
+    UNUM_PADDING_CHARACTER = 4,
+    UNUM_CURRENCY_CODE = 5,
+    UNUM_DEFAULT_RULESET = 6,
+    UNUM_PUBLIC_RULESETS = 7,
+};
+
+/// The direction of a transliterator.
+enum ICUTransDirection : int
+{
+    UTRANS_FORWARD = 0,
+    UTRANS_REVERSE = 1,
+};
+
+} // namespace VanICU

@@ -1,0 +1,194 @@
+/// @file
+/// The functions of TStringCore that work on raw text: measuring, comparing, searching and cutting what need
+/// not be a `TStringCore`. They are used through it, as in `TStringCore::findStr`.
+#pragma once
+
+#include "vansys/Export.h"
+#include "vansys/TCodeUnit.h"
+#include "vansys/detail/TwinText.h"
+
+#include <cstddef>
+#include <vector>
+
+class TStringCore;
+
+namespace vansys::detail
+{
+
+/// **Text** is given as a pointer and a length in elements; a negative length means "up to the first zero".
+/// Where there is no length, the text ends at its first zero. A null pointer is the empty text.
+///
+/// **The twin** of each function takes the other wide type (see TCodeUnit.h), and all its counts and
+/// positions are those of that type. It may allocate, and so throw `TStringCore::Exception` "Out of memory".
+/// The functions themselves throw only where it is said.
+///
+/// **Threads.** Nothing is shared; each function may run on any number of threads.
+class VANSYS_API StringFunctions
+{
+public:
+    /// Whether letters that differ in case only are the same. Case is folded unit by unit: the simple case
+    /// folding of Unicode, with default options, for each unit that is no surrogate. No locale plays a part.
+    enum CaseSensitivity
+    {
+        CaseInsensitive = 0,
+        CaseSensitive = 1,
+    };
+
+    /// What becomes of parts without any unit. Every value but 0 skips them (`tokenize` knows 1 only).
+    enum SplitBehavior : int
+    {
+        KeepEmptyParts = 0,
+        SkipEmptyParts = 1,
+    };
+
+    /// How `section` reads and cuts. The values combine with `|`.
+    enum SectionFlags
+    {
+        SectionDefault = 0,
+        SectionSkipEmpty = 1,           ///< sections without any unit do not count
+        SectionIncludeLeadingSep = 2,   ///< with the separator before the first section
+        SectionIncludeTrailingSep = 4,  ///< with the separator after the last section
+        SectionCaseInsensitiveSeps = 8, ///< separators are found without regard to case
+    };
+
+    friend constexpr SectionFlags operator|(SectionFlags a, SectionFlags b) noexcept
+    {
+        return static_cast<SectionFlags>(static_cast<unsigned int>(a) | static_cast<unsigned int>(b));
+    }
+
+    // Length
+
+    /// The number of elements before the zero; 0 for null. Throws `TStringCore::Exception` "Allocation size
+    /// less than zero; probable overflow" when no `int` can hold it.
+    static int length(TCodeUnit const *text);
+    static int length(TWideTwin const *text);
+
+    /// The number of bytes before the zero; 0 for null.
+    static std::size_t lengthInBytes(TCodeUnit const *text);
+    static std::size_t lengthInBytes(TWideTwin const *text);
+
+    /// The number of code points before the zero; 0 for null.
+    static int lengthInCodePoints(TCodeUnit const *text);
+    static int lengthInCodePoints(TWideTwin const *text);
+
+    // Comparison
+
+    /// -1, 0 or 1 as `a` comes before, equals or follows `b`: by (folded) code unit, as unsigned 16-bit
+    /// values, the shorter text first. No locale plays a part: to sort for people's eyes, use a collator.
+    static int compare(TCodeUnit const *a, TCodeUnit const *b, CaseSensitivity sensitivity = CaseSensitive);
+    static int compare(TWideTwin const *a, TWideTwin const *b, CaseSensitivity sensitivity = CaseSensitive)
+    {
+        return compare(TwinText(a).units(), TwinText(b).units(), sensitivity);
+    }
+
+    /// `compare` of at most the first `count` units of each; of all when `count` is negative.
+    static int compareN(TCodeUnit const *a, TCodeUnit const *b, int count,
+                        CaseSensitivity sensitivity = CaseSensitive);
+    static int compareN(TWideTwin const *a, TWideTwin const *b, int count,
+                        CaseSensitivity sensitivity = CaseSensitive);
+
+    // Search. The result is the position of the first match at or after `start`, or -1. A negative `start` is
+    // 0.
+
+    /// An empty needle is found at `start`, when that lies in 0 to the text's length.
+    static int findStr(TCodeUnit const *text, int length, TCodeUnit const *needle, int needleLength,
+                       int start = 0, CaseSensitivity sensitivity = CaseSensitive);
+    static int findStr(TWideTwin const *text, int length, TWideTwin const *needle, int needleLength,
+                       int start = 0, CaseSensitivity sensitivity = CaseSensitive)
+    {
+        TwinText const twin(text, length), sought(needle, needleLength);
+        return twin.position(findStr(twin.units(), twin.length(), sought.units(), sought.length(),
+                                     twin.unitPosition(start), sensitivity));
+    }
+
+    static int findChar(TCodeUnit const *text, int length, TCodeUnit unit, int start = 0,
+                        CaseSensitivity sensitivity = CaseSensitive);
+    static int findChar(TWideTwin const *text, int length, TWideTwin unit, int start = 0,
+                        CaseSensitivity sensitivity = CaseSensitive)
+    {
+        return findStr(text, length, &unit, 1, start, sensitivity);
+    }
+
+    /// The first unit that is in the set. The units of a set are looked at one by one: each half of a
+    /// surrogate pair is a member of its own.
+    static int findOneOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
+                         int start = 0);
+    static int findOneOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
+                         int start = 0)
+    {
+        TwinText const twin(text, length), sought(set, setLength);
+        return twin.position(findOneOf(twin.units(), twin.length(), sought.units(), sought.length(),
+                                       twin.unitPosition(start)));
+    }
+
+    /// The first unit that is not in the set.
+    static int findOneNotOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
+                            int start = 0);
+    static int findOneNotOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
+                            int start = 0)
+    {
+        TwinText const twin(text, length), sought(set, setLength);
+        return twin.position(findOneNotOf(twin.units(), twin.length(), sought.units(), sought.length(),
+                                          twin.unitPosition(start)));
+    }
+
+    // Cutting: see the members of TStringCore of the same names.
+
+    static TStringCore section(TCodeUnit const *text, int length, TCodeUnit const *separator,
+                               int separatorLength, int first, int last, SectionFlags flags = SectionDefault);
+    static TStringCore section(TWideTwin const *text, int length, TWideTwin const *separator,
+                               int separatorLength, int first, int last, SectionFlags flags = SectionDefault);
+
+    static std::vector<TStringCore> split(TCodeUnit const *text, int length, TCodeUnit const *separator,
+                                          int separatorLength, SplitBehavior behavior = KeepEmptyParts,
+                                          CaseSensitivity sensitivity = CaseSensitive);
+    static std::vector<TStringCore> split(TWideTwin const *text, int length, TWideTwin const *separator,
+                                          int separatorLength, SplitBehavior behavior = KeepEmptyParts,
+                                          CaseSensitivity sensitivity = CaseSensitive);
+
+    static std::vector<TStringCore> splitOnAny(TCodeUnit const *text, int length, TCodeUnit const *set,
+                                               int setLength, SplitBehavior behavior = KeepEmptyParts);
+    static std::vector<TStringCore> splitOnAny(TWideTwin const *text, int length, TWideTwin const *set,
+                                               int setLength, SplitBehavior behavior = KeepEmptyParts);
+
+    // Line ends
+
+    /// Converts zero-terminated text in place; see `TStringCore::dosToUnix`. Returns the new length. Null is
+    /// left alone.
+    static int dosToUnix(TCodeUnit *text);
+    static int dosToUnix(TWideTwin *text);
+
+    // Numbers
+
+    /// How many leading units form an integer in `base`, 2 to 36.
+    ///
+    /// Before the digits there may be one "+" or "-" in base 10, and "0x" or "0X" in base 16; no base takes
+    /// anything else. Where nothing follows them the result is 0. A digit is a unit that, with its bit 0x20
+    /// set, is in "0" to "9" or in "a" to the last letter of the base. So decimal digits count in every base,
+    /// the control units U+0010 to U+0019 count too, and the readers (`TStringCore::toInt`) may still refuse
+    /// what is measured here.
+    ///
+    /// Base 0 takes the base from a text of two or more units: "0x" or "0X" is 16, another "0" is 8, the rest
+    /// is 10. Throws `TStringCore::Exception` "TStringCore::parseInteger: base out of range." for any other
+    /// base, and for base 0 with a text of one unit. A text that is null, or empty, or begins with a zero
+    /// unit gives 0.
+    static int leftIntegerLength(TCodeUnit const *text, int length, int base = 10);
+    static int leftIntegerLength(TWideTwin const *text, int length, int base = 10)
+    {
+        TwinText const twin(text, length);
+        return twin.position(leftIntegerLength(twin.units(), twin.length(), base));
+    }
+
+    /// How many leading units form a floating-point number: an optional sign; then "inf", "infinity" or "nan"
+    /// in any case, or digits with an optional fraction, or a fraction alone, and an exponent, which counts
+    /// only when it has digits. A fraction behind digits may be a mere point. ASCII digits only; no blanks,
+    /// no hexadecimal form, and "." whatever the locale. 0 when there is none.
+    static int leftDoubleLength(TCodeUnit const *text, int length);
+    static int leftDoubleLength(TWideTwin const *text, int length)
+    {
+        TwinText const twin(text, length);
+        return twin.position(leftDoubleLength(twin.units(), twin.length()));
+    }
+};
+
+} // namespace vansys::detail
