@@ -1,5 +1,6 @@
 #include "Commands.h"
 
+#include "Collation.h"
 #include "FileHasher.h"
 #include "Manifest.h"
 #include "Output.h"
@@ -7,6 +8,8 @@
 #include "Progress.h"
 #include "Report.h"
 #include "Walk.h"
+
+#include <vansys/TFormatStringCore.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -60,8 +63,11 @@ void ReportMalformedLines(Manifest const &manifest, std::string const &name, Rep
 {
     std::size_t const count = manifest.malformedLines.size();
     for (std::size_t index = 0; index < std::min(count, MaxReportedLines); ++index)
-        report.Failure(name + ":" + std::to_string(manifest.malformedLines[index]),
-                       VantrelException("Malformed line"));
+    {
+        std::string place = name + ":";
+        place += TStringCore::number(manifest.malformedLines[index]).toStdString();
+        report.Failure(place, VantrelException("Malformed line"));
+    }
     if (count > MaxReportedLines)
         report.Failure(name, VantrelException("More malformed lines follow"));
 }
@@ -150,6 +156,8 @@ Outcome CreateManifest(Options const &options)
     std::vector<FoundFile> files = FindFiles(options.paths, report);
     if (options.output)
         LeaveOutOutput(files, *options.output);
+    if (options.collation)
+        SortByCollation(files, *options.collation);
     progress.Start(files.size(), TotalSize(files));
 
     Algorithm const &algorithm = options.algorithm != nullptr ? *options.algorithm : DefaultAlgorithm;
@@ -193,10 +201,14 @@ Outcome VerifyManifest(Options const &options)
         Output output(std::nullopt);
         Verification const result = VerifyEntries(manifest.entries, output, progress, report);
         progress.Hide();
-        output.Write("files: " + std::to_string(manifest.entries.size()) + ", matching: " +
-                     std::to_string(result.matching) + ", different: " + std::to_string(result.different) +
-                     ", unreadable: " + std::to_string(result.unreadable) +
-                     ", malformed lines: " + std::to_string(manifest.malformedLines.size()) + "\n");
+        TFormatStringCore summary(
+            "files: %1, matching: %2, different: %3, unreadable: %4, malformed lines: %5\n");
+        summary.arg(manifest.entries.size())
+            .arg(result.matching)
+            .arg(result.different)
+            .arg(result.unreadable)
+            .arg(manifest.malformedLines.size());
+        output.Write(summary.result().toStdString());
         output.Commit();
         return OutcomeOf(result.IsPassed() && !report.HasFailures());
     }

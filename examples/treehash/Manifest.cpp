@@ -2,6 +2,9 @@
 
 #include "Platform.h"
 
+#include <vansys/TScanStringCore.h>
+#include <vansys/TStringCore.h>
+
 #include <algorithm>
 #include <array>
 
@@ -42,22 +45,6 @@ std::optional<std::string> UnescapedName(std::string_view escaped)
             return std::nullopt;
     }
     return name;
-}
-
-/// Lowercase; empty when the text is not made of hexadecimal digits.
-std::string NormalizedDigest(std::string_view text)
-{
-    std::string digest;
-    for (char const digit : text)
-    {
-        if ((digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f'))
-            digest += digit;
-        else if (digit >= 'A' && digit <= 'F')
-            digest += static_cast<char>(digit - 'A' + 'a');
-        else
-            return {};
-    }
-    return digest;
 }
 
 /// Cuts a file into lines.
@@ -139,29 +126,37 @@ std::string FormatEntry(std::string_view digest, std::string_view name)
 
 std::optional<Entry> ParseEntry(std::string_view line, Algorithm const *required)
 {
-    bool const escaped = line.starts_with('\\');
-    if (escaped)
-        line.remove_prefix(1);
+    // One unit for each byte, as names need not be valid in any encoding.
+    TStringCore const text = TStringCore::fromLatin1(line.data(), static_cast<int>(line.size()));
+    bool const isEscaped = text.startsWith('\\');
+    TStringCore digest;
+    TStringCore name;
+    try
+    {
+        TScanStringCore scanner(text);
+        if (isEscaped)
+            scanner.skip("\\");
+        scanner.readAnyOf(digest, "0123456789abcdefABCDEF").skip(" ");
+        // This character once told text from binary files. The files are read alike.
+        scanner.skip(text.at(scanner.index()) == u'*' ? "*" : " ");
+        scanner.readString(name, -1);
+        if (name.isEmpty() || scanner.index() != text.length())
+            return std::nullopt;
+    }
+    catch (TScanStringCore::Exception const &)
+    {
+        return std::nullopt;
+    }
 
-    std::size_t const digestLength = std::min(line.find(' '), line.size());
-    Algorithm const *const algorithm = FindAlgorithm(digestLength);
+    Algorithm const *const algorithm = FindAlgorithm(static_cast<std::size_t>(digest.length()));
     if (algorithm == nullptr || (required != nullptr && algorithm != required))
         return std::nullopt;
-    std::string digest = NormalizedDigest(line.substr(0, digestLength));
-    line.remove_prefix(digestLength);
-
-    // The second character once told text from binary files. The files are read alike.
-    bool const separated = line.starts_with("  ") || line.starts_with(" *");
-    if (digest.empty() || !separated)
+    std::optional<std::string> bytes = name.toLatin1();
+    if (isEscaped)
+        bytes = UnescapedName(*bytes);
+    if (!bytes)
         return std::nullopt;
-    line.remove_prefix(2);
-
-    if (line.empty() || line.find('\0') != std::string_view::npos)
-        return std::nullopt;
-    std::optional<std::string> name = escaped ? UnescapedName(line) : std::string(line);
-    if (!name)
-        return std::nullopt;
-    return Entry{algorithm, std::move(digest), std::move(*name)};
+    return Entry{algorithm, digest.toLower().toLatin1(), std::move(*bytes)};
 }
 
 Manifest ReadManifest(std::string const &name, Algorithm const *required)

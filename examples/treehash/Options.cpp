@@ -2,12 +2,13 @@
 
 #include "Platform.h"
 
+#include <vansys/TFormatStringCore.h>
 #include <vansys/VantrelUserErrorException.h>
 
 namespace treehash
 {
 
-std::string_view const UsageText = "Usage: treehash [-a ALGORITHM] [-o FILE] [--] PATH...\n"
+std::string_view const UsageText = "Usage: treehash [-a ALGORITHM] [-l LOCALE] [-o FILE] [--] PATH...\n"
                                    "       treehash [-a ALGORITHM] -c MANIFEST\n"
                                    "       treehash --help\n";
 
@@ -17,6 +18,8 @@ relatives print and check them. Or verifies the files that a manifest lists.
 
   -a ALGORITHM  sha1, sha224, sha256 (the default), sha384 or sha512. With -c: the only one accepted; if
                 it is not given, the length of each digest tells the algorithm.
+  -l LOCALE     Sort the lines as readers of LOCALE look names up: sv, de@collation=phonebook, or "" for the
+                locale of the user.
   -o FILE       Write the manifest to FILE. It is written under another name in the same folder and takes
                 its place when complete. FILE itself is left out of the manifest. A FILE that is a device
                 or a pipe is written to directly.
@@ -24,7 +27,7 @@ relatives print and check them. Or verifies the files that a manifest lists.
                 Empty lines and lines that begin with # are skipped.
   --help        Print this text.
 
-The lines are sorted by name, byte by byte. A name is the PATH as given, without doubled slashes, and what
+Without -l the lines are sorted by name, byte by byte. A name is the PATH as given, without doubled slashes, and what
 lies below it. A name that occurs twice is listed once. A PATH of "-" is a file of that name, listed as
 "./-". Names are bytes, and need not be valid in any encoding; on Windows they are UTF-8, with slashes for
 backslashes. A line whose name holds a line feed, a carriage return or a backslash begins with a backslash,
@@ -43,16 +46,16 @@ malformed, or a manifest lists nothing; 2 for a wrong command line.
 namespace
 {
 
-[[noreturn]] void ThrowUsageError(std::string const &message)
+TStringCore Text(std::string const &argument)
 {
-    throw VantrelUserErrorException(TStringCore::fromStdString(message));
+    return TStringCore::fromStdString(argument);
 }
 
 Algorithm const *RequireAlgorithm(std::string const &name)
 {
     Algorithm const *const algorithm = FindAlgorithm(std::string_view(name));
     if (algorithm == nullptr)
-        ThrowUsageError("unknown algorithm '" + name + "'");
+        throw VantrelUserErrorException(TFormatStringCore("unknown algorithm '%1'").arg(Text(name)));
     return algorithm;
 }
 
@@ -62,13 +65,16 @@ void RequireConsistency(Options const &options)
     if (options.command == Command::Verify)
     {
         if (options.output)
-            ThrowUsageError("-c and -o do not go together");
+            throw VantrelUserErrorException("-c and -o do not go together");
+        if (options.collation)
+            throw VantrelUserErrorException("-c and -l do not go together");
         if (!options.paths.empty())
-            ThrowUsageError("-c takes its files from the manifest; '" + options.paths.front() +
-                            "' is one argument too many");
+            throw VantrelUserErrorException(
+                TFormatStringCore("-c takes its files from the manifest; '%1' is one argument too many")
+                    .arg(Text(options.paths.front())));
     }
     if (options.command == Command::Create && options.paths.empty())
-        ThrowUsageError("no PATH given");
+        throw VantrelUserErrorException("no PATH given");
 }
 
 } // namespace
@@ -96,18 +102,21 @@ Options ParseOptions(std::vector<std::string> const &arguments)
         }
 
         std::string const option = argument->substr(0, 2);
-        if (option != "-a" && option != "-c" && option != "-o")
-            ThrowUsageError("unknown option '" + *argument + "'");
+        if (option != "-a" && option != "-c" && option != "-l" && option != "-o")
+            throw VantrelUserErrorException(TFormatStringCore("unknown option '%1'").arg(Text(*argument)));
         std::string value = argument->substr(2); // as in -asha1
         if (value.empty())
         {
             if (++argument == arguments.end())
-                ThrowUsageError("option '" + option + "' needs a value");
+                throw VantrelUserErrorException(
+                    TFormatStringCore("option '%1' needs a value").arg(Text(option)));
             value = *argument;
         }
 
         if (option == "-a")
             options.algorithm = RequireAlgorithm(value);
+        else if (option == "-l")
+            options.collation = value;
         else if (option == "-o")
             options.output = NameFromArgument(value);
         else

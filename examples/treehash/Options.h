@@ -25,6 +25,7 @@ struct Options
     Command command = Command::Create;
     Algorithm const *algorithm = nullptr; ///< Null when none was asked for.
     std::vector<std::string> paths;       ///< What to hash; at least one for `Create`.
+    std::optional<std::string> collation; ///< The locale whose collation sorts the names, if not their bytes.
     std::optional<std::string> output;    ///< Where the manifest goes, if not to standard output.
     std::string manifest;                 ///< What to verify.
 };

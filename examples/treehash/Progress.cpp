@@ -2,8 +2,9 @@
 
 #include "Platform.h"
 
+#include <vansys/TFormatStringCore.h>
+
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -19,7 +20,7 @@ constexpr std::chrono::milliseconds DrawInterval{100};
 constexpr double MaxShownSeconds = 99 * 3600.0;
 
 /// "532 B", "1.4 MiB".
-std::string ByteText(double bytes)
+TStringCore ByteText(double bytes)
 {
     static constexpr char const *Units[] = {" B", " KiB", " MiB", " GiB", " TiB", " PiB", " EiB"};
     std::size_t unit = 0;
@@ -28,26 +29,20 @@ std::string ByteText(double bytes)
         bytes /= 1024;
         ++unit;
     }
-    char digits[16];
-    auto const result = std::to_chars(std::begin(digits), std::end(digits), bytes, std::chars_format::fixed,
-                                      unit == 0 ? 0 : 1);
-    return std::string(digits, result.ptr) + Units[unit];
-}
-
-/// A colon and two digits.
-std::string MinorPart(long number)
-{
-    return std::string(number < 10 ? ":0" : ":").append(std::to_string(number));
+    return TStringCore::number(bytes, 'f', unit == 0 ? 0 : 1).append(Units[unit]);
 }
 
 /// "0:07", "1:02:45".
-std::string TimeText(double seconds)
+TStringCore TimeText(double seconds)
 {
     long const whole = std::lround(std::min(seconds, MaxShownSeconds));
     long const minutes = whole / 60;
+    auto const twoDigits = [](long number) { return TStringCore::number(number, 10, 2, u'0'); };
     if (minutes < 60)
-        return std::to_string(minutes) + MinorPart(whole % 60);
-    return std::to_string(minutes / 60) + MinorPart(minutes % 60) + MinorPart(whole % 60);
+        return TFormatStringCore("%1:%2").arg(minutes).arg(twoDigits(whole % 60));
+    return TFormatStringCore("%1:%2:%3")
+        .arg(minutes / 60)
+        .arg(twoDigits(minutes % 60), twoDigits(whole % 60));
 }
 
 } // namespace
@@ -107,10 +102,11 @@ std::string Progress::Line(double elapsedSeconds) const
     double const share = total > 0 ? done / total : 0;
     double const rate = elapsedSeconds > 0 ? done / elapsedSeconds : 0;
 
-    std::string text = std::to_string(static_cast<int>(share * 100)) + "%  " + std::to_string(m_files) + "/" +
-                       std::to_string(m_totalFiles) + " files  " + ByteText(done) + "/" + ByteText(total) +
-                       "  " + ByteText(rate) + "/s  " + (rate > 0 ? TimeText((total - done) / rate) : "?") +
-                       " left";
+    TFormatStringCore format("%1%%  %2/%3 files  %4/%5  %6/s  %7 left");
+    format.arg(static_cast<int>(share * 100)).arg(m_files).arg(m_totalFiles);
+    format.arg(ByteText(done), ByteText(total), ByteText(rate));
+    format.arg(rate > 0 ? TimeText((total - done) / rate) : "?");
+    std::string text = format.result().toStdString();
 
     constexpr std::size_t MinBarLength = 10;
     constexpr std::size_t Frame = 3; // brackets and a space

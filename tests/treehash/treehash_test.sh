@@ -127,6 +127,22 @@ test_walk()
     expect_line out "$(sha256sum walk/a0)"
 }
 
+test_collation()
+{
+    mkdir collation
+    touch collation/{z,ä,Ö,a,B,z1}
+    printf 'collation/%s\n' B a z z1 Ö ä | expect_names "$treehash" collation
+    printf 'collation/%s\n' a B z z1 ä Ö | expect_names "$treehash" -l sv collation
+    printf 'collation/%s\n' a ä B Ö z z1 | expect_names "$treehash" -lde collation
+    printf 'collation/%s\n' a ä B Ö z z1 | expect_names env LC_ALL=de_DE.UTF-8 "$treehash" -l '' collation
+
+    # Long names, and names that are no text, have their places too.
+    local long
+    long=$(printf 'é%.0s' {1..120})
+    touch collation/{"$long",f,$'\xff'}
+    printf 'collation/%s\n' a ä B "$long" f Ö z z1 $'\xff' | expect_names "$treehash" -l de collation
+}
+
 test_unreadable_paths()
 {
     mkdir partly
@@ -232,7 +248,7 @@ test_usage()
     expect_status 0 "$treehash" --help
     grep -q '^Usage: ' out || fail "no usage in the help"
     local arguments
-    for arguments in "" "-a sha256" "-a md5 ." -a -o -c "-x ." --version "-c list ." "-c list -o x"; do
+    for arguments in "" "-a sha256" "-a md5 ." -a -o -c "-x ." --version "-c list ." "-c list -o x" "-c list -l sv"; do
         # shellcheck disable=SC2086 # several arguments
         expect_status 2 "$treehash" $arguments
         grep -q '^Usage: ' err || fail "no usage for: $arguments"
