@@ -76,9 +76,12 @@ void RatioReporter::ReportRuns(std::vector<Run> const &runs)
 {
     for (Run const &run : runs)
     {
-        if (run.run_type == Run::RT_Iteration && !run.error_occurred)
-            m_times[run.run_name.function_name].push_back(
-                run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit) * 1e9);
+        if (run.run_type != Run::RT_Iteration || run.error_occurred)
+            continue;
+        bool const isWallTime = !run.run_name.time_type.empty();
+        double const time = isWallTime ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+        m_times[run.run_name.function_name].push_back(time / benchmark::GetTimeUnitMultiplier(run.time_unit) *
+                                                      1e9);
     }
 }
 
@@ -102,8 +105,8 @@ void RatioReporter::Finalize()
         }
         PrintRow(row, medians, peers);
     }
-    GetOutputStream()
-        << "\nMedians of processor time. Ratio: time of the peer named / time of the library.\n";
+    GetOutputStream() << "\nMedians of processor time, or of time passed where several threads work. "
+                         "Ratio: time of the peer named / time of the library.\n";
 }
 
 RatioReporter::Medians RatioReporter::MediansOf(Row const &row) const

@@ -46,6 +46,13 @@ void AddCase(Row const &row, std::string const &peer, Body body)
     benchmark::RegisterBenchmark(CaseName(row, peer).c_str(), std::move(body));
 }
 
+/// The same for a case in which several threads work: what counts is the time that passes.
+template <class Body>
+void AddWallTimeCase(Row const &row, std::string const &peer, Body body)
+{
+    benchmark::RegisterBenchmark(CaseName(row, peer).c_str(), std::move(body))->UseRealTime();
+}
+
 // The groups. Each adds its rows and registers their cases, and adds the versions of its peers to what is
 // printed at the start.
 void AddStringRows(Rows &rows);
@@ -56,5 +63,6 @@ void AddCharacterRows(Rows &rows);
 void AddCaseRows(Rows &rows);
 void AddNumberRows(Rows &rows);
 void AddFormatRows(Rows &rows);
+void AddLockRows(Rows &rows);
 
 } // namespace bench

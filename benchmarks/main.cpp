@@ -39,6 +39,7 @@ int main(int argc, char **argv)
     bench::AddCaseRows(rows);
     bench::AddNumberRows(rows);
     bench::AddFormatRows(rows);
+    bench::AddLockRows(rows);
 
     bench::RatioReporter reporter(rows);
     if (benchmark::RunSpecifiedBenchmarks(&reporter) == 0) // it has said that nothing matches the filter

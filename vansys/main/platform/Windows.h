@@ -6,7 +6,9 @@
 #    define _WIN32_WINNT 0x0602 // Windows 8
 #endif
 #define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
+#if !defined(NOMINMAX)
+#    define NOMINMAX // the standard library of the cross compiler may have been first
+#endif
 #include <windows.h>
 
 #undef GetProcessMemoryInfo

@@ -1,0 +1,53 @@
+#include "vansys/TSemaphore.h"
+
+#include "platform/Windows.h"
+#include "synchronize/SemaphoreFailure.h"
+
+using namespace vansys::detail;
+
+namespace
+{
+
+class Semaphore_win final : public TSemaphore
+{
+public:
+    explicit Semaphore_win(unsigned int count)
+        : m_handle(CreateSemaphoreW(nullptr, static_cast<LONG>(count), static_cast<LONG>(MaxSemaphoreCount),
+                                    nullptr))
+    {
+        if (!m_handle)
+            ThrowSemaphoreFailure(SemaphoreConstructFailed, GetLastError());
+    }
+
+    bool TryAcquire() override { return TryAcquire(0); }
+
+    bool TryAcquire(unsigned int timeoutMs) override
+    {
+        static_assert(NoTimeout == INFINITE);
+        return WaitForSingleObject(m_handle, timeoutMs) == WAIT_OBJECT_0;
+    }
+
+    void Acquire() override
+    {
+        if (WaitForSingleObject(m_handle, INFINITE) == WAIT_FAILED)
+            ThrowSemaphoreFailure(SemaphoreAcquireFailed, GetLastError());
+    }
+
+    void Release() override
+    {
+        if (!ReleaseSemaphore(m_handle, 1, nullptr))
+            ThrowSemaphoreFailure(SemaphoreReleaseFailed, GetLastError());
+    }
+
+private:
+    ~Semaphore_win() override { CloseHandle(m_handle); }
+
+    HANDLE m_handle;
+};
+
+} // namespace
+
+RefCntPtr<TSemaphore, RefCntObject> TSemaphore::Construct(unsigned int count)
+{
+    return new Semaphore_win(count);
+}
