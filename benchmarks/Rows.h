@@ -64,5 +64,6 @@ void AddCaseRows(Rows &rows);
 void AddNumberRows(Rows &rows);
 void AddFormatRows(Rows &rows);
 void AddLockRows(Rows &rows);
+void AddEventRows(Rows &rows);
 
 } // namespace bench
