@@ -74,7 +74,7 @@ private:
 
 TEST_F(HandOver, WhoFallsAsleepIsWoken)
 {
-    constexpr int Rounds = 10000;
+    constexpr int Rounds = 3000;
     for (Row const &row : rows)
     {
         SCOPED_TRACE(row.name);
