@@ -5,11 +5,11 @@
 #include "vansys/ICUVersion.h"
 #include "vansys/VantrelException.h"
 
-#include "icu/Check.h"
-#include "icu/EnumerationMapping.h"
-#include "icu/Family.h"
-#include "icu/LocaleImpl.h"
-#include "icu/StringImpl.h"
+#include "main/icu/Check.h"
+#include "main/icu/EnumerationMapping.h"
+#include "main/icu/Family.h"
+#include "main/icu/LocaleImpl.h"
+#include "main/icu/StringImpl.h"
 #include "support/FailingAllocations.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // What the back ends of the events agree on.
 
-#include "synchronize/EventBackEnd.h"
+#include "main/synchronize/EventBackEnd.h"
 
 #include "support/SleepingThread.h"
 

@@ -1,6 +1,6 @@
 // What only Linux has: when the kernel is called, and what interrupts a wait.
 
-#include "platform/Futex.h"
+#include "main/platform/Futex.h"
 
 #include "vansys/TReadWriteLock.h"
 #include "vansys/TRecursiveMutex.h"

@@ -4,7 +4,7 @@
 
 #include "vansys/ICUTypes.h"
 
-#include "icu/Family.h"
+#include "main/icu/Family.h"
 
 #include <type_traits>
 

@@ -1,6 +1,6 @@
 #include "vansys/ICUCharacterFunctions.h"
 
-#include "icu/Call.h"
+#include "main/icu/Call.h"
 
 using vansys::detail::Call;
 using vansys::detail::FunctionTable;

@@ -1,7 +1,7 @@
 #include "vansys/detail/CharacterTable.h"
 
-#include "icu/Family.h"
-#include "vansys/CaseRules.h"
+#include "main/icu/CaseRules.h"
+#include "main/icu/Family.h"
 
 #include <iterator>
 #include <type_traits>

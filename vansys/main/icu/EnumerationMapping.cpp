@@ -1,4 +1,4 @@
-#include "icu/EnumerationMapping.h"
+#include "main/icu/EnumerationMapping.h"
 
 #include "vansys/VantrelException.h"
 

@@ -1,4 +1,4 @@
-#include "icu/Family.h"
+#include "main/icu/Family.h"
 
 using vansys::detail::FunctionTable;
 

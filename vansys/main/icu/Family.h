@@ -4,7 +4,7 @@
 /// What the families have in common is written once, as a template over the family.
 #pragma once
 
-#include "icu/FunctionTable.h"
+#include "main/icu/FunctionTable.h"
 
 #include <atomic>
 

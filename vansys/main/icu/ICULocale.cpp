@@ -1,8 +1,8 @@
 #include "vansys/ICULocale.h"
 
-#include "icu/Call.h"
-#include "icu/LocaleImpl.h"
-#include "icu/Text.h"
+#include "main/icu/Call.h"
+#include "main/icu/LocaleImpl.h"
+#include "main/icu/Text.h"
 
 #include <new>
 

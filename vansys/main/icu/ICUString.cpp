@@ -1,8 +1,8 @@
 #include "vansys/ICUString.h"
 
-#include "icu/Call.h"
-#include "icu/LocaleImpl.h"
-#include "icu/StringImpl.h"
+#include "main/icu/Call.h"
+#include "main/icu/LocaleImpl.h"
+#include "main/icu/StringImpl.h"
 
 #include <limits>
 #include <new>

@@ -1,6 +1,6 @@
 #include "vansys/ICUVersion.h"
 
-#include "icu/Family.h"
+#include "main/icu/Family.h"
 #include "vansys/detail/CharacterTable.h"
 
 using vansys::detail::g_icuVersion;

@@ -1,6 +1,6 @@
 #include "vansys/ICUFunctions.h"
 
-#include "icu/Call.h"
+#include "main/icu/Call.h"
 
 using vansys::detail::Call;
 using vansys::detail::FunctionTable;

@@ -4,7 +4,7 @@
 
 #include "vansys/ICULocale.h"
 
-#include "icu/Family.h"
+#include "main/icu/Family.h"
 
 #include <unicode/locid.h>
 

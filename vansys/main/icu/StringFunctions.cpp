@@ -1,6 +1,6 @@
 #include "vansys/ICUStringFunctions.h"
 
-#include "icu/Call.h"
+#include "main/icu/Call.h"
 
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>

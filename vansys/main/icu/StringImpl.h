@@ -4,7 +4,7 @@
 
 #include "vansys/ICUString.h"
 
-#include "icu/Family.h"
+#include "main/icu/Family.h"
 
 #include <unicode/unistr.h>
 

@@ -4,7 +4,7 @@
 
 #include "vansys/TStringCore.h"
 
-#include "icu/Call.h"
+#include "main/icu/Call.h"
 
 #include <unicode/unistr.h>
 

@@ -1,4 +1,4 @@
-#include "platform/CpuFeatures.h"
+#include "main/platform/CpuFeatures.h"
 
 namespace vansys::detail
 {

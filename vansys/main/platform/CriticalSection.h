@@ -2,7 +2,7 @@
 /// The owner of a critical section of Windows. Windows only.
 #pragma once
 
-#include "platform/Windows.h"
+#include "main/platform/Windows.h"
 
 namespace vansys::detail
 {

@@ -1,4 +1,4 @@
-#include "platform/DebugOutput.h"
+#include "main/platform/DebugOutput.h"
 
 #include <cstring>
 #include <sys/uio.h>

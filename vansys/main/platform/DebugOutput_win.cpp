@@ -1,6 +1,6 @@
-#include "platform/DebugOutput.h"
+#include "main/platform/DebugOutput.h"
 
-#include "platform/Windows.h"
+#include "main/platform/Windows.h"
 
 namespace vansys::detail
 {

@@ -1,4 +1,4 @@
-#include "platform/Futex.h"
+#include "main/platform/Futex.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
-#include "synchronize/EventBackEnd.h"
+#include "main/synchronize/EventBackEnd.h"
 
-#include "platform/Futex.h"
-#include "platform/SpinWait.h"
+#include "main/platform/Futex.h"
+#include "main/platform/SpinWait.h"
 
 #include <chrono>
 #include <optional>

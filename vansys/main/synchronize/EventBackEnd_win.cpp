@@ -1,6 +1,6 @@
-#include "synchronize/EventBackEnd.h"
+#include "main/synchronize/EventBackEnd.h"
 
-#include "platform/Windows.h"
+#include "main/platform/Windows.h"
 
 namespace vansys::detail
 {

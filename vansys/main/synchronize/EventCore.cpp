@@ -1,4 +1,4 @@
-#include "synchronize/EventCore.h"
+#include "main/synchronize/EventCore.h"
 
 #include "vansys/ThrowLogicException.h"
 

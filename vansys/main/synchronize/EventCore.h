@@ -4,7 +4,7 @@
 
 #include "vansys/TRecursiveMutex.h"
 
-#include "synchronize/EventBackEnd.h"
+#include "main/synchronize/EventBackEnd.h"
 
 #include <atomic>
 #include <chrono>

@@ -1,7 +1,7 @@
 #include "vansys/TSemaphore.h"
 
-#include "platform/Futex.h"
-#include "synchronize/SemaphoreFailure.h"
+#include "main/platform/Futex.h"
+#include "main/synchronize/SemaphoreFailure.h"
 
 #include <cerrno>
 

@@ -1,7 +1,7 @@
 #include "vansys/TSemaphore.h"
 
-#include "platform/Windows.h"
-#include "synchronize/SemaphoreFailure.h"
+#include "main/platform/Windows.h"
+#include "main/synchronize/SemaphoreFailure.h"
 
 using namespace vansys::detail;
 

@@ -1,6 +1,6 @@
 #include "vansys/TAutoResetEvent.h"
 
-#include "synchronize/EventCore.h"
+#include "main/synchronize/EventCore.h"
 
 #include <utility>
 

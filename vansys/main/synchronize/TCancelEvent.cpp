@@ -3,7 +3,7 @@
 #include "vansys/TRecursiveMutex.h"
 #include "vansys/ThrowLogicException.h"
 
-#include "synchronize/EventCore.h"
+#include "main/synchronize/EventCore.h"
 
 #include <mutex>
 #include <set>

@@ -1,6 +1,6 @@
 #include "vansys/TEvent.h"
 
-#include "synchronize/EventCore.h"
+#include "main/synchronize/EventCore.h"
 
 #include <utility>
 

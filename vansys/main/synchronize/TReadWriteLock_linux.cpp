@@ -1,9 +1,9 @@
 #include "vansys/TReadWriteLock.h"
 
-#include "platform/Futex.h"
-#include "platform/SpinWait.h"
-#include "platform/ThreadIdentity.h"
-#include "synchronize/LockLimits.h"
+#include "main/platform/Futex.h"
+#include "main/platform/SpinWait.h"
+#include "main/platform/ThreadIdentity.h"
+#include "main/synchronize/LockLimits.h"
 
 using namespace vansys::detail;
 

@@ -1,7 +1,7 @@
 #include "vansys/TReadWriteLock.h"
 
-#include "platform/CriticalSection.h"
-#include "synchronize/LockLimits.h"
+#include "main/platform/CriticalSection.h"
+#include "main/synchronize/LockLimits.h"
 
 #include <mutex>
 

@@ -1,8 +1,8 @@
 #include "vansys/TRecursiveMutex.h"
 
-#include "platform/Futex.h"
-#include "platform/SpinWait.h"
-#include "platform/ThreadIdentity.h"
+#include "main/platform/Futex.h"
+#include "main/platform/SpinWait.h"
+#include "main/platform/ThreadIdentity.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "vansys/TRecursiveMutex.h"
 
-#include "platform/CriticalSection.h"
+#include "main/platform/CriticalSection.h"
 
 class TRecursiveMutex::Implementation
 {

@@ -1,6 +1,6 @@
 #include "vansys/TSemaphore.h"
 
-#include "synchronize/SemaphoreFailure.h"
+#include "main/synchronize/SemaphoreFailure.h"
 #include "vansys/TFormatStringCore.h"
 #include "vansys/VantrelException.h"
 

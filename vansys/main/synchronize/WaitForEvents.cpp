@@ -6,7 +6,7 @@
 #include "vansys/TEvent.h"
 #include "vansys/ThrowLogicException.h"
 
-#include "synchronize/EventCore.h"
+#include "main/synchronize/EventCore.h"
 
 #include <algorithm>
 #include <atomic>

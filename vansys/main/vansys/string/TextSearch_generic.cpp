@@ -1,0 +1,11 @@
+#include "main/vansys/string/TextSearch.h"
+
+namespace vansys::detail
+{
+
+TextSearches FastestTextSearches(CpuFeatures) noexcept
+{
+    return PortableTextSearches();
+}
+
+} // namespace vansys::detail
