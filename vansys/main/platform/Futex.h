@@ -10,7 +10,8 @@
 /// which at most wakes a sleeper of something else for no reason. None of the functions changes `errno`.
 #pragma once
 
-#include <atomic>
+#include "main/platform/Atomic.h"
+
 #include <chrono>
 #include <cstdint>
 
@@ -18,7 +19,7 @@ namespace vansys::detail
 {
 
 /// Shared by the threads of one process.
-using FutexWord = std::atomic<std::uint32_t>;
+using FutexWord = Atomic<std::uint32_t>;
 
 /// The clock of the deadlines: monotonic, and not moved when the time of day is set. A deadline is absolute,
 /// so that a wait that goes on after a signal handler or a wake-up for no reason is not prolonged.

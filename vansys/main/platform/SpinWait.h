@@ -34,4 +34,33 @@ bool SpinUntil(Condition condition) noexcept
     return false;
 }
 
+/// Tries for about as long as it takes to fall asleep and be woken. That pays where the signal is about to
+/// come from another processor, and is time lost where it is not; so each thread learns: every wait for which
+/// the signal comes too late halves the attempts of the next one. A while after there are none left, it
+/// starts over. The thread learns and not the event, as many an event is waited for only once.
+///
+/// It never yields the processor: on a busy machine it would get it back long after the signal.
+template <class Attempt>
+bool SpinWhileItPays(Attempt attempt)
+{
+    constexpr int MaxAttempts = 200;
+    constexpr int Halvings = 8;
+    constexpr int WaitsWithout = 250;
+
+    static thread_local constinit int misses = 0; // in a row
+
+    int const attempts = misses < Halvings ? MaxAttempts >> misses : 0;
+    for (int i = 0; i < attempts; ++i)
+    {
+        if (attempt())
+        {
+            misses = 0;
+            return true;
+        }
+        CpuRelax();
+    }
+    misses = (misses + 1) % (Halvings + WaitsWithout);
+    return false;
+}
+
 } // namespace vansys::detail

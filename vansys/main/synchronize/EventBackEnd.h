@@ -2,7 +2,8 @@
 /// EventBackEnd: the part of an event that differs between operating systems.
 #pragma once
 
-#include <atomic>
+#include "main/platform/Atomic.h"
+
 #include <cstdint>
 
 namespace vansys::detail
@@ -18,8 +19,8 @@ enum class EventReset : bool
 /// An event in user space. The back end says what `state` and `count` mean; both start at 0.
 struct EventWords
 {
-    std::atomic<std::uint32_t> state{0};
-    std::atomic<std::uint32_t> count{0};
+    Atomic<std::uint32_t> state{0};
+    Atomic<std::uint32_t> count{0};
 };
 
 /// A single event: no callbacks, and no rules about arguments. Not set at first.

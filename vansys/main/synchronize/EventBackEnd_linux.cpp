@@ -34,35 +34,6 @@ bool Sleep(FutexWord const &word, std::uint32_t expected, Deadline const &deadli
     return true;
 }
 
-/// Tries for about as long as it takes to fall asleep and be woken. That pays where the signal is about to
-/// come from another processor, and is time lost where it is not; so each thread learns: every wait for which
-/// the signal comes too late halves the attempts of the next one. A while after there are none left, it
-/// starts over. The thread learns and not the event, as many an event is waited for only once.
-///
-/// It never yields the processor: on a busy machine it would get it back long after the signal.
-template <class Attempt>
-bool TryForAMoment(Attempt attempt)
-{
-    constexpr int MaxAttempts = 200;
-    constexpr int Halvings = 8;
-    constexpr int WaitsWithout = 250;
-
-    static thread_local constinit int misses = 0; // in a row
-
-    int const attempts = misses < Halvings ? MaxAttempts >> misses : 0;
-    for (int i = 0; i < attempts; ++i)
-    {
-        if (attempt())
-        {
-            misses = 0;
-            return true;
-        }
-        CpuRelax();
-    }
-    misses = (misses + 1) % (Halvings + WaitsWithout);
-    return false;
-}
-
 /// `state` counts the changes between set and not set, so it is odd while the event is set. A waiting thread
 /// is released by any change of it: the event has been set since, even when it is not set any more.
 /// `count` is the number of threads that sleep or are about to.
@@ -95,7 +66,7 @@ struct ManualReset
 
         Deadline const deadline = DeadlineAfter(milliseconds);
         auto const hasChanged = [&] { return words.state.load() != before; };
-        if (TryForAMoment(hasChanged))
+        if (SpinWhileItPays(hasChanged))
             return true;
         words.count.fetch_add(1);
         while (!hasChanged() && Sleep(words.state, before, deadline))
@@ -139,7 +110,7 @@ struct AutoReset
             return false;
 
         Deadline const deadline = DeadlineAfter(milliseconds);
-        if (TryForAMoment([this] { return Take(); }) || TakeOrQueue())
+        if (SpinWhileItPays([this] { return Take(); }) || TakeOrQueue())
             return true;
         while (!TakeRelease())
         {

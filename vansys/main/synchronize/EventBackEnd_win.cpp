@@ -2,6 +2,8 @@
 
 #include "main/platform/Windows.h"
 
+#include <atomic>
+
 namespace vansys::detail
 {
 

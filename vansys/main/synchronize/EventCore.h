@@ -4,9 +4,9 @@
 
 #include "vansys/TRecursiveMutex.h"
 
+#include "main/platform/Atomic.h"
 #include "main/synchronize/EventBackEnd.h"
 
-#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -57,8 +57,8 @@ private:
     // By address of the key. Shared, so that a callback that takes itself out of the table lives until it
     // returns; and never copied, as a callback may change its own state from one signal to the next.
     std::map<void *, std::shared_ptr<Callback>> m_callbacks;
-    std::atomic<std::size_t> m_callbackCount{0}; // changed with m_callbacks, read without the mutex
-    std::vector<void *> m_pointers;              // reserved: nothing fills it
+    Atomic<std::size_t> m_callbackCount{0}; // changed with m_callbacks, read without the mutex
+    std::vector<void *> m_pointers;         // reserved: nothing fills it
 };
 
 } // namespace vansys::detail

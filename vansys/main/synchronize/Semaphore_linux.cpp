@@ -1,5 +1,6 @@
 #include "vansys/TSemaphore.h"
 
+#include "main/platform/Atomic.h"
 #include "main/platform/Futex.h"
 #include "main/synchronize/SemaphoreFailure.h"
 
@@ -93,7 +94,7 @@ private:
     }
 
     FutexWord m_units;
-    std::atomic<std::uint32_t> m_sleepers{0};
+    Atomic<std::uint32_t> m_sleepers{0};
 };
 
 } // namespace

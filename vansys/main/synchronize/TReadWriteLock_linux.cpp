@@ -1,5 +1,6 @@
 #include "vansys/TReadWriteLock.h"
 
+#include "main/platform/Atomic.h"
 #include "main/platform/Futex.h"
 #include "main/platform/SpinWait.h"
 #include "main/platform/ThreadIdentity.h"
@@ -231,7 +232,7 @@ private:
 
     FutexWord m_state{0};
     LockCount m_writerCount = 0; // locks of the owner; used by the owner only
-    std::atomic<ThreadIdentity> m_owner{nullptr};
+    Atomic<ThreadIdentity> m_owner{nullptr};
     FutexWord m_readersWoken{0};
     FutexWord m_writersWoken{0};
     FutexWord m_claimantWoken{0};

@@ -1,5 +1,6 @@
 #include "vansys/TRecursiveMutex.h"
 
+#include "main/platform/Atomic.h"
 #include "main/platform/Futex.h"
 #include "main/platform/SpinWait.h"
 #include "main/platform/ThreadIdentity.h"
@@ -98,7 +99,7 @@ private:
 
     FutexWord m_state{Free};
     std::uint32_t m_nestedLocks = 0; // used by the owner only
-    std::atomic<ThreadIdentity> m_owner{nullptr};
+    Atomic<ThreadIdentity> m_owner{nullptr};
 };
 
 TRecursiveMutex::TRecursiveMutex(unsigned int) : m_implementation(new Implementation) {}

@@ -6,10 +6,10 @@
 #include "vansys/TEvent.h"
 #include "vansys/ThrowLogicException.h"
 
+#include "main/platform/Atomic.h"
 #include "main/synchronize/EventCore.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <typeinfo>
@@ -54,7 +54,7 @@ private:
     struct Slot
     {
         IEvent const *event = nullptr;
-        std::atomic<bool> hasCounted{false};
+        Atomic<bool> hasCounted{false};
     };
 
     void AddCallbacks()
@@ -101,8 +101,8 @@ private:
 
     std::vector<Slot> m_slots; // their addresses are the keys of the callbacks
     std::size_t m_withCallback = 0;
-    std::atomic<std::size_t> m_missing; // wraps when more events count than are needed
-    std::size_t m_decider = None;       // written before m_done is set
+    Atomic<std::size_t> m_missing; // wraps when more events count than are needed
+    std::size_t m_decider = None;  // written before m_done is set
     EventBackEnd m_done{EventReset::Manual};
 };
 
