@@ -15,7 +15,7 @@ namespace
 /// Takes down what the compiler would say.
 struct RecordingSink : vansys::detail::FormatLiteralSink
 {
-    int fail(char const *text) noexcept
+    int Fail(char const *text) noexcept
     {
         message = text;
         return 0;
@@ -26,7 +26,7 @@ struct RecordingSink : vansys::detail::FormatLiteralSink
 
 /// The message of the scan of zero-terminated text; otherwise what the highest number is.
 template <class Character>
-std::string literalOutcome(Character const *text)
+std::string LiteralOutcome(Character const *text)
 {
     using Iterator = vansys::detail::FormatLiteralIterator<Character>;
     RecordingSink sink;
@@ -35,7 +35,7 @@ std::string literalOutcome(Character const *text)
 }
 
 /// The same of a format at run time, of which each argument is missing.
-std::string runTimeOutcome(TStringCore const &text)
+std::string RunTimeOutcome(TStringCore const &text)
 {
     try
     {
@@ -103,14 +103,14 @@ TEST(TFormatLiteral, AgreesWithTheRunTime)
             utf8.push_back(static_cast<char>(bytes[random() % std::size(bytes)]));
         }
         TStringCore const units = TStringCore::fromUtf32(text.c_str());
-        std::string const expected = runTimeOutcome(units);
-        EXPECT_EQ(literalOutcome(units.constData()), expected) << testing::PrintToString(units);
-        EXPECT_EQ(literalOutcome(units.toStdWString().c_str()), expected) << testing::PrintToString(units);
-        EXPECT_EQ(literalOutcome(units.toStdString().c_str()), expected) << testing::PrintToString(units);
-        EXPECT_EQ(literalOutcome(utf8.c_str()), runTimeOutcome(utf8.c_str())) << testing::PrintToString(utf8);
+        std::string const expected = RunTimeOutcome(units);
+        EXPECT_EQ(LiteralOutcome(units.constData()), expected) << testing::PrintToString(units);
+        EXPECT_EQ(LiteralOutcome(units.toStdWString().c_str()), expected) << testing::PrintToString(units);
+        EXPECT_EQ(LiteralOutcome(units.toStdString().c_str()), expected) << testing::PrintToString(units);
+        EXPECT_EQ(LiteralOutcome(utf8.c_str()), RunTimeOutcome(utf8.c_str())) << testing::PrintToString(utf8);
     }
     // A one in each form that is longer than it need be, the longest of which is none.
     for (char const *const utf8 : {"%\xC0\xB1", "%\xE0\x80\xB1", "%\xF0\x80\x80\xB1", "%\xF8\x80\x80\x80\xB1",
                                    "%\xFC\x80\x80\x80\x80\xB1", "%\xFE\x80\x80\x80\x80\x80\xB1"})
-        EXPECT_EQ(literalOutcome(utf8), runTimeOutcome(utf8)) << testing::PrintToString(utf8);
+        EXPECT_EQ(LiteralOutcome(utf8), RunTimeOutcome(utf8)) << testing::PrintToString(utf8);
 }

@@ -33,8 +33,10 @@ using EnableIfReadable = std::enable_if_t<std::is_integral_v<Integer> && !std::i
 /// **Ownership.** The text is borrowed: it must live, unchanged, as long as the scanner and its copies. A
 /// text ends at its first zero unit, also when it is a `TStringCore`.
 ///
-/// **The other wide type** has no units to borrow: make a `TStringCore` of such text first. Sets, expected
-/// text and the text of the measuring functions come in any form.
+/// **Other text** than units cannot be borrowed: make a `TStringCore` of it first. Sets and expected text
+/// come in any form. The measuring functions take either wide type.
+///
+/// **Cost.** Each function takes as long as its item is, whatever follows.
 ///
 /// **A null text** is reported by `ThrowLogicException`; with a hook that returns, it is the empty text.
 ///
@@ -64,7 +66,7 @@ public:
     TScanStringCore &reset();
 
     // Measuring: the length of the item that the text begins with, in elements of the text. Null is the empty
-    // text. (The twins see to the other wide type.)
+    // text. The functions for the other wide type may throw "Out of memory" as `TStringCore` does.
 
     /// Units that are in the set.
     static int lengthAnyOf(TCodeUnit const *text, Text const &set);
@@ -92,8 +94,9 @@ public:
     /// Otherwise fails with "TScanStringCore::lengthBool: Boolean value not found.".
     static int lengthBool(TCodeUnit const *text);
 
-    /// An integer as `TStringCore::leftIntegerLength` measures it; also throws what that throws.
-    /// Where there is none, fails with "TScanStringCore::lengthInt: Integer value not found.".
+    /// An integer as `TStringCore::leftIntegerLength` measures it, with a sign in base 10 only; also throws
+    /// what that throws. Where there is none, fails with "TScanStringCore::lengthInt: Integer value not
+    /// found.".
     static int lengthInt(TCodeUnit const *text, int base = 10);
 
     /// A number as `TStringCore::leftDoubleLength` measures it.
@@ -162,7 +165,8 @@ public:
     /// Whether the word that `lengthBool` measures is 1, true or yes. Fails as that does.
     TScanStringCore &readBool(bool &out);
 
-    /// An integer as `lengthInt` measures it, if all its digits are of its base and the type can hold it.
+    /// An integer as `TStringCore::number` writes it, if all its digits are of its base and the type can hold
+    /// it: what `lengthInt` measures, and in every base, not in 10 only, with a sign in front of it.
     /// Otherwise fails with
     /// "TScanStringCore::readInt: Integer value not found." or
     /// "TScanStringCore::readInt: Integer value out of range.".

@@ -46,27 +46,27 @@ constexpr auto PowersOfTen = []
 }();
 
 /// How many bits the value takes; 1 for 0.
-int bitCount(std::uint64_t value)
+int BitCount(std::uint64_t value)
 {
     return 64 - std::countl_zero(value | 1);
 }
 
-int decimalDigitCount(std::uint64_t magnitude)
+int DecimalDigitCount(std::uint64_t magnitude)
 {
     std::uint64_t const positive = magnitude | 1; // has as many digits
     // 1233 / 4096 is log10(2) closely enough: the estimate is the count or one less.
-    int const estimate = bitCount(positive) * 1233 >> 12;
+    int const estimate = BitCount(positive) * 1233 >> 12;
     return estimate + (positive >= PowersOfTen[static_cast<std::size_t>(estimate)]);
 }
 
-int digitCount(std::uint64_t magnitude, unsigned int base)
+int DigitCount(std::uint64_t magnitude, unsigned int base)
 {
     if (base == 10)
-        return decimalDigitCount(magnitude);
+        return DecimalDigitCount(magnitude);
     if (std::has_single_bit(base))
     {
         int const digitBits = std::countr_zero(base);
-        return (bitCount(magnitude) + digitBits - 1) / digitBits;
+        return (BitCount(magnitude) + digitBits - 1) / digitBits;
     }
     int count = 1;
     for (; magnitude >= base; magnitude /= base)
@@ -74,14 +74,14 @@ int digitCount(std::uint64_t magnitude, unsigned int base)
     return count;
 }
 
-TCodeUnit *writePair(TCodeUnit *end, std::uint32_t pair)
+TCodeUnit *WritePair(TCodeUnit *end, std::uint32_t pair)
 {
     std::memcpy(end - 2, DigitPairs[pair], sizeof DigitPairs[pair]);
     return end - 2;
 }
 
 /// Writes the digits so that the last one stands before `end`.
-void writeDecimalDigits(TCodeUnit *end, std::uint64_t magnitude)
+void WriteDecimalDigits(TCodeUnit *end, std::uint64_t magnitude)
 {
     // In 32 bits as far as possible: on a 32-bit processor each 64-bit division is a call.
     while (magnitude > std::numeric_limits<std::uint32_t>::max())
@@ -89,22 +89,22 @@ void writeDecimalDigits(TCodeUnit *end, std::uint64_t magnitude)
         auto eightDigits = static_cast<std::uint32_t>(magnitude % 100'000'000);
         magnitude /= 100'000'000;
         for (int pair = 0; pair < 4; ++pair, eightDigits /= 100)
-            end = writePair(end, eightDigits % 100);
+            end = WritePair(end, eightDigits % 100);
     }
     auto rest = static_cast<std::uint32_t>(magnitude);
     for (; rest >= 100; rest /= 100)
-        end = writePair(end, rest % 100);
+        end = WritePair(end, rest % 100);
     if (rest >= 10)
-        writePair(end, rest);
+        WritePair(end, rest);
     else
         end[-1] = static_cast<TCodeUnit>(u'0' + rest);
 }
 
-/// As `writeDecimalDigits`, in any base.
-void writeDigits(TCodeUnit *end, std::uint64_t magnitude, unsigned int base)
+/// As `WriteDecimalDigits`, in any base.
+void WriteDigits(TCodeUnit *end, std::uint64_t magnitude, unsigned int base)
 {
     if (base == 10)
-        return writeDecimalDigits(end, magnitude);
+        return WriteDecimalDigits(end, magnitude);
     if (std::has_single_bit(base))
     {
         int const digitBits = std::countr_zero(base);
@@ -118,13 +118,13 @@ void writeDigits(TCodeUnit *end, std::uint64_t magnitude, unsigned int base)
     while ((magnitude /= base) != 0);
 }
 
-void writeInteger(StringStorage &storage, std::uint64_t magnitude, bool negative, int base, int fieldWidth,
+void WriteInteger(StringStorage &storage, std::uint64_t magnitude, bool negative, int base, int fieldWidth,
                   TCodeUnit fill)
 {
     if (base < MinBase || base > MaxBase)
         throw TStringCore::Exception("TStringCore::number: base out of range.");
     auto const radix = static_cast<unsigned int>(base);
-    int const length = digitCount(magnitude, radix) + negative;
+    int const length = DigitCount(magnitude, radix) + negative;
 
     // In 64 bits, because the smallest width has no counterpart.
     std::int64_t const width = std::max<std::int64_t>(std::abs(std::int64_t{fieldWidth}), length);
@@ -135,7 +135,7 @@ void writeInteger(StringStorage &storage, std::uint64_t magnitude, bool negative
     if (negative)
         *begin = u'-';
     begin += length;
-    writeDigits(begin, magnitude, radix);
+    WriteDigits(begin, magnitude, radix);
     std::fill(begin, end, fill);
 }
 
@@ -156,11 +156,11 @@ public:
 
     /// What stands before the exponent, and the exponent, which may be empty.
     char const *begin() const { return m_begin; }
-    char const *exponent() const { return m_exponent; }
+    char const *Exponent() const { return m_exponent; }
     char const *end() const { return m_end; }
 
     /// Makes the fraction visible: ".0" where there is no point.
-    void addFraction()
+    void AddFraction()
     {
         if (std::find(m_begin, m_exponent, '.') != m_exponent)
             return;
@@ -171,7 +171,7 @@ public:
     }
 
     /// Removes the zeros at the end but for one behind a point. Without a point, those of the integer go.
-    void removeTrailingZeros()
+    void RemoveTrailingZeros()
     {
         char *kept = m_exponent - 1;
         while (*kept == '0' && kept > m_begin)
@@ -181,14 +181,14 @@ public:
         m_exponent = kept;
     }
 
-    void removeSignOfZero()
+    void RemoveSignOfZero()
     {
         if (*m_begin == '-' &&
             std::all_of(m_begin + 1, m_exponent, [](char digit) { return digit == '0' || digit == '.'; }))
             ++m_begin;
     }
 
-    void makeUpperCase()
+    void MakeUpperCase()
     {
         if (m_exponent != m_end)
             *m_exponent = 'E';
@@ -208,14 +208,14 @@ TStringCore TStringCore::number(long long value, int base, int fieldWidth, TCode
 {
     auto const bits = static_cast<std::uint64_t>(value);
     TStringCore result;
-    writeInteger(result.m_storage, value < 0 ? 0 - bits : bits, value < 0, base, fieldWidth, fill);
+    WriteInteger(result.m_storage, value < 0 ? 0 - bits : bits, value < 0, base, fieldWidth, fill);
     return result;
 }
 
 TStringCore TStringCore::number(unsigned long long value, int base, int fieldWidth, TCodeUnit fill)
 {
     TStringCore result;
-    writeInteger(result.m_storage, value, false, base, fieldWidth, fill);
+    WriteInteger(result.m_storage, value, false, base, fieldWidth, fill);
     return result;
 }
 
@@ -240,21 +240,21 @@ TStringCore TStringCore::number(double value, char format, int precision, bool t
                     std::min(wanted, MaxPrecision));
     int zeros = 0; // digits of the fraction that have not been printed
     if (tidy && isGeneral)
-        text.addFraction();
+        text.AddFraction();
     else if (tidy)
-        text.removeTrailingZeros();
+        text.RemoveTrailingZeros();
     else if (!isGeneral)
         zeros = std::max(wanted - MaxPrecision, 0);
-    text.removeSignOfZero();
+    text.RemoveSignOfZero();
     if (format == 'E' || format == 'G')
-        text.makeUpperCase();
+        text.MakeUpperCase();
 
     TStringCore result;
     TCodeUnit *out = result.m_storage.setLengthForOverwrite(
         StringStorage::checkedLength(text.end() - text.begin() + std::int64_t{zeros}));
-    out = std::copy(text.begin(), text.exponent(), out);
+    out = std::copy(text.begin(), text.Exponent(), out);
     out = std::fill_n(out, zeros, TCodeUnit{u'0'});
-    std::copy(text.exponent(), text.end(), out);
+    std::copy(text.Exponent(), text.end(), out);
     return result;
 }
 

@@ -14,27 +14,37 @@
 #include <type_traits>
 
 using vansys::detail::StringFunctions;
+using vansys::detail::StringStorage;
 
 namespace
 {
 
+/// The end of text that is zero-terminated: none that a pointer would come to. A zero unit is part of no
+/// number, so reading stops there, without looking at what may follow the number.
+constexpr TCodeUnit const *AtZero = nullptr;
+
+TCodeUnit const *EndOf(TCodeUnit const *text, int length)
+{
+    return length < 0 ? AtZero : text + length;
+}
+
 /// Makes a letter lower case. Other units change too, but none becomes a letter.
-constexpr TCodeUnit foldCase(TCodeUnit unit)
+constexpr TCodeUnit FoldCase(TCodeUnit unit)
 {
     return unit | 0x20;
 }
 
-constexpr bool isDecimalDigit(TCodeUnit unit)
+constexpr bool IsDecimalDigit(TCodeUnit unit)
 {
     return unit >= u'0' && unit <= u'9';
 }
 
-bool isSign(TCodeUnit unit)
+bool IsSign(TCodeUnit unit)
 {
     return unit == u'+' || unit == u'-';
 }
 
-void report(bool *ok, bool isNumber)
+void Report(bool *ok, bool isNumber)
 {
     if (ok)
         *ok = isNumber;
@@ -42,27 +52,27 @@ void report(bool *ok, bool isNumber)
 
 // Integers
 
-bool hasHexPrefix(TCodeUnit const *text, TCodeUnit const *end)
+bool HasHexPrefix(TCodeUnit const *text, TCodeUnit const *end)
 {
-    return end - text >= 2 && text[0] == u'0' && foldCase(text[1]) == u'x';
+    return text != end && text[0] == u'0' && text + 1 != end && FoldCase(text[1]) == u'x';
 }
 
-/// The base, which base 0 leaves to the text.
-unsigned int resolvedBase(TCodeUnit const *text, TCodeUnit const *end, int base)
+/// The base, which base 0 leaves to the text. That is not empty.
+unsigned int ResolvedBase(TCodeUnit const *text, TCodeUnit const *end, int base)
 {
-    if (base == 0 && end - text >= 2)
-        return text[0] != u'0' ? 10 : hasHexPrefix(text, end) ? 16 : 8;
+    if (base == 0 && (end == AtZero ? text[1] != 0 : end - text >= 2))
+        return text[0] != u'0' ? 10 : HasHexPrefix(text, end) ? 16 : 8;
     if (base < 2 || base > 36)
         throw TStringCore::Exception("TStringCore::parseInteger: base out of range.");
     return static_cast<unsigned int>(base);
 }
 
 /// The value of a digit in base 36; 36 for a unit that is none.
-constexpr unsigned int digitValue(TCodeUnit unit)
+constexpr unsigned int DigitValue(TCodeUnit unit)
 {
-    if (isDecimalDigit(unit))
+    if (IsDecimalDigit(unit))
         return unit - u'0';
-    TCodeUnit const letter = foldCase(unit);
+    TCodeUnit const letter = FoldCase(unit);
     return letter >= u'a' && letter <= u'z' ? letter - u'a' + 10u : 36u;
 }
 
@@ -75,13 +85,13 @@ struct Magnitude
 };
 
 /// Reads digits, which must reach to `end`.
-Magnitude readDigits(TCodeUnit const *text, TCodeUnit const *end, unsigned int base)
+Magnitude ReadDigits(TCodeUnit const *text, TCodeUnit const *end, unsigned int base)
 {
     Magnitude result;
     result.isNumber = text != end;
     for (; text != end; ++text)
     {
-        unsigned int const digit = digitValue(*text);
+        unsigned int const digit = DigitValue(*text);
         if (digit >= base)
             return {};
         result.overflows |= __builtin_mul_overflow(result.value, std::uint64_t{base}, &result.value);
@@ -90,11 +100,11 @@ Magnitude readDigits(TCodeUnit const *text, TCodeUnit const *end, unsigned int b
     return result;
 }
 
-/// `readDigits` in base 10, for texts of usual length without a check for overflow.
-inline Magnitude readDecimalDigits(TCodeUnit const *text, TCodeUnit const *end)
+/// `ReadDigits` in base 10, for texts of usual length without a check for overflow.
+inline Magnitude ReadDecimalDigits(TCodeUnit const *text, TCodeUnit const *end)
 {
     if (text == end || end - text > std::numeric_limits<std::uint64_t>::digits10)
-        return readDigits(text, end, 10);
+        return ReadDigits(text, end, 10);
     std::uint64_t value = 0;
     // By twos: jumping back costs as much as a digit.
     for (; end - text >= 2; text += 2)
@@ -115,20 +125,20 @@ inline Magnitude readDecimalDigits(TCodeUnit const *text, TCodeUnit const *end)
 }
 
 template <class Integer>
-Integer parseInteger(TCodeUnit const *text, TCodeUnit const *end, int base, bool &inRange)
+Integer ParseInteger(TCodeUnit const *text, TCodeUnit const *end, int base, bool &inRange)
 {
     using Limits = std::numeric_limits<Integer>;
     if (text == end || *text == 0)
         return 0;
-    unsigned int const radix = resolvedBase(text, end, base);
+    unsigned int const radix = ResolvedBase(text, end, base);
     bool const negative = *text == u'-';
-    if (isSign(*text))
+    if (IsSign(*text))
         ++text;
     Magnitude magnitude;
     if (radix == 10)
-        magnitude = readDecimalDigits(text, end);
+        magnitude = ReadDecimalDigits(text, end);
     else
-        magnitude = readDigits(text + (radix == 16 && hasHexPrefix(text, end) ? 2 : 0), end, radix);
+        magnitude = ReadDigits(text + (radix == 16 && HasHexPrefix(text, end) ? 2 : 0), end, radix);
     if (!magnitude.isNumber)
         return 0;
 
@@ -142,11 +152,11 @@ Integer parseInteger(TCodeUnit const *text, TCodeUnit const *end, int base, bool
 }
 
 template <class Integer>
-Integer readInteger(TStringCore const &text, bool *ok, int base)
+Integer ReadInteger(TStringCore const &text, bool *ok, int base)
 {
     bool inRange = false;
-    auto const value = parseInteger<Integer>(text.cbegin(), text.cend(), base, inRange);
-    report(ok, inRange);
+    auto const value = ParseInteger<Integer>(text.cbegin(), text.cend(), base, inRange);
+    Report(ok, inRange);
     return value;
 }
 
@@ -169,53 +179,51 @@ struct FloatingText
     TCodeUnit const *digitsEnd = nullptr;
     TCodeUnit const *end = nullptr; ///< of the number
 
-    int digitCount = 0;
+    std::int64_t digitCount = 0;
     std::uint64_t significand = 0; ///< the number that the digits form, the lower 64 bits of it
     std::int64_t exponent = 0;     ///< the power of ten that the significand is to be multiplied with
 };
 
-bool startsWithWord(TCodeUnit const *text, TCodeUnit const *end, std::string_view word)
+bool StartsWithWord(TCodeUnit const *text, TCodeUnit const *end, std::string_view word)
 {
-    if (end - text < static_cast<std::ptrdiff_t>(word.size()))
-        return false;
     for (char const letter : word)
     {
-        if (foldCase(*text++) != static_cast<TCodeUnit>(letter))
+        if (text == end || FoldCase(*text++) != static_cast<TCodeUnit>(letter))
             return false;
     }
     return true;
 }
 
-void scanWord(TCodeUnit const *text, TCodeUnit const *end, FloatingText &result)
+void ScanWord(TCodeUnit const *text, TCodeUnit const *end, FloatingText &result)
 {
-    if (startsWithWord(text, end, "nan"))
+    if (StartsWithWord(text, end, "nan"))
     {
         result.kind = FloatingText::NotANumber;
         result.end = text + 3;
     }
-    else if (startsWithWord(text, end, "inf"))
+    else if (StartsWithWord(text, end, "inf"))
     {
         result.kind = FloatingText::Infinite;
-        result.end = text + (startsWithWord(text, end, "infinity") ? 8 : 3);
+        result.end = text + (StartsWithWord(text, end, "infinity") ? 8 : 3);
     }
 }
 
 /// Adds the exponent, if a complete one is there.
-void scanExponent(TCodeUnit const *text, TCodeUnit const *end, FloatingText &result)
+void ScanExponent(TCodeUnit const *text, TCodeUnit const *end, FloatingText &result)
 {
     // Far beyond what any number of digits can make good.
     constexpr std::int64_t Enough = 1'000'000'000'000;
 
-    if (text == end || foldCase(*text) != u'e')
+    if (text == end || FoldCase(*text) != u'e')
         return;
     ++text;
     bool const negative = text != end && *text == u'-';
-    if (text != end && isSign(*text))
+    if (text != end && IsSign(*text))
         ++text;
-    if (text == end || !isDecimalDigit(*text))
+    if (text == end || !IsDecimalDigit(*text))
         return;
     std::int64_t exponent = 0;
-    for (; text != end && isDecimalDigit(*text); ++text)
+    for (; text != end && IsDecimalDigit(*text); ++text)
     {
         if (exponent < Enough)
             exponent = exponent * 10 + (*text - u'0');
@@ -224,37 +232,37 @@ void scanExponent(TCodeUnit const *text, TCodeUnit const *end, FloatingText &res
     result.end = text;
 }
 
-TCodeUnit const *scanDigits(TCodeUnit const *text, TCodeUnit const *end, FloatingText &result)
+TCodeUnit const *ScanDigits(TCodeUnit const *text, TCodeUnit const *end, FloatingText &result)
 {
     TCodeUnit const *const begin = text;
-    for (; text != end && isDecimalDigit(*text); ++text)
+    for (; text != end && IsDecimalDigit(*text); ++text)
         result.significand = result.significand * 10 + (*text - u'0');
-    result.digitCount += static_cast<int>(text - begin);
+    result.digitCount += text - begin;
     return text;
 }
 
-FloatingText scanFloating(TCodeUnit const *text, TCodeUnit const *end)
+FloatingText ScanFloating(TCodeUnit const *text, TCodeUnit const *end)
 {
     FloatingText result;
-    if (text != end && isSign(*text))
+    if (text != end && IsSign(*text))
         result.negative = *text++ == u'-';
 
     result.digits = text;
-    text = scanDigits(text, end, result);
+    text = ScanDigits(text, end, result);
     if (text != end && *text == u'.')
     {
-        int const integerDigits = result.digitCount;
-        text = scanDigits(text + 1, end, result);
+        std::int64_t const integerDigits = result.digitCount;
+        text = ScanDigits(text + 1, end, result);
         result.exponent = integerDigits - result.digitCount;
     }
     if (result.digitCount == 0)
     {
-        scanWord(result.digits, end, result);
+        ScanWord(result.digits, end, result);
         return result;
     }
     result.kind = FloatingText::Finite;
     result.digitsEnd = result.end = text;
-    scanExponent(text, end, result);
+    ScanExponent(text, end, result);
     return result;
 }
 
@@ -278,7 +286,7 @@ constexpr int MaxSignificantDigits = 768;
 /// std::from_chars reads a copy without a point and without needless zeros, in which digits that cannot
 /// decide a tie are one digit that says whether they were zero.
 template <class Floating>
-Floating convertDigits(FloatingText const &text)
+Floating ConvertDigits(FloatingText const &text)
 {
     char buffer[MaxSignificantDigits + 32];
     char *out = buffer;
@@ -315,7 +323,7 @@ Floating convertDigits(FloatingText const &text)
 /// The nearest value without its sign. Where the significand and a power of ten are exact, one operation
 /// rounds correctly (Clinger, "How to Read Floating Point Numbers Accurately", 1990).
 template <class Floating>
-Floating convertFinite(FloatingText const &text)
+Floating ConvertFinite(FloatingText const &text)
 {
     constexpr std::uint64_t MaxExactSignificand = std::uint64_t{1} << std::numeric_limits<Floating>::digits;
     constexpr int MaxExactDigits = std::numeric_limits<std::uint64_t>::digits10;
@@ -326,23 +334,23 @@ Floating convertFinite(FloatingText const &text)
         return text.exponent < 0 ? significand / static_cast<Floating>(PowersOfTen[-text.exponent])
                                  : significand * static_cast<Floating>(PowersOfTen[text.exponent]);
     }
-    return convertDigits<Floating>(text);
+    return ConvertDigits<Floating>(text);
 }
 
 template <class Floating>
-Floating readFloating(TStringCore const &string, bool *ok)
+Floating ReadFloating(TStringCore const &string, bool *ok)
 {
     using Limits = std::numeric_limits<Floating>;
-    FloatingText const text = scanFloating(string.cbegin(), string.cend());
+    FloatingText const text = ScanFloating(string.cbegin(), string.cend());
     if (text.end != string.cend() || text.kind == FloatingText::None)
     {
-        report(ok, false);
+        Report(ok, false);
         return 0;
     }
-    Floating const magnitude = text.kind == FloatingText::Finite     ? convertFinite<Floating>(text)
+    Floating const magnitude = text.kind == FloatingText::Finite     ? ConvertFinite<Floating>(text)
                                : text.kind == FloatingText::Infinite ? Limits::infinity()
                                                                      : Limits::quiet_NaN();
-    report(ok, text.kind != FloatingText::Finite || magnitude != Limits::infinity());
+    Report(ok, text.kind != FloatingText::Finite || magnitude != Limits::infinity());
     return text.negative ? -magnitude : magnitude;
 }
 
@@ -352,80 +360,80 @@ int StringFunctions::leftIntegerLength(TCodeUnit const *text, int length, int ba
 {
     if (!text || length == 0 || *text == 0)
         return 0;
-    TCodeUnit const *const end = text + (length < 0 ? StringFunctions::length(text) : length);
-    unsigned int const radix = resolvedBase(text, end, base);
+    TCodeUnit const *const end = EndOf(text, length);
+    unsigned int const radix = ResolvedBase(text, end, base);
     TCodeUnit const *digits = text;
-    if (radix == 10 && isSign(*text))
+    if (radix == 10 && IsSign(*text))
         digits += 1;
-    else if (radix == 16 && hasHexPrefix(text, end))
+    else if (radix == 16 && HasHexPrefix(text, end))
         digits += 2;
 
     auto const isMeasured = [lastLetter = u'a' + radix - 11](TCodeUnit unit)
     {
-        TCodeUnit const folded = foldCase(unit);
-        return isDecimalDigit(folded) || (folded >= u'a' && folded <= lastLetter);
+        TCodeUnit const folded = FoldCase(unit);
+        return IsDecimalDigit(folded) || (folded >= u'a' && folded <= lastLetter);
     };
     TCodeUnit const *digitsEnd = digits;
     while (digitsEnd != end && isMeasured(*digitsEnd))
         ++digitsEnd;
-    return digitsEnd == digits ? 0 : static_cast<int>(digitsEnd - text);
+    return digitsEnd == digits ? 0 : StringStorage::checkedLength(digitsEnd - text);
 }
 
 int StringFunctions::leftDoubleLength(TCodeUnit const *text, int length)
 {
     if (!text)
         return 0;
-    TCodeUnit const *const end = text + (length < 0 ? StringFunctions::length(text) : length);
-    FloatingText const number = scanFloating(text, end);
-    return number.kind == FloatingText::None ? 0 : static_cast<int>(number.end - text);
+    TCodeUnit const *const end = EndOf(text, length);
+    FloatingText const number = ScanFloating(text, end);
+    return number.kind == FloatingText::None ? 0 : StringStorage::checkedLength(number.end - text);
 }
 
 short TStringCore::toShort(bool *ok, int base) const
 {
-    return readInteger<short>(*this, ok, base);
+    return ReadInteger<short>(*this, ok, base);
 }
 
 unsigned short TStringCore::toUShort(bool *ok, int base) const
 {
-    return readInteger<unsigned short>(*this, ok, base);
+    return ReadInteger<unsigned short>(*this, ok, base);
 }
 
 int TStringCore::toInt(bool *ok, int base) const
 {
-    return readInteger<int>(*this, ok, base);
+    return ReadInteger<int>(*this, ok, base);
 }
 
 unsigned int TStringCore::toUInt(bool *ok, int base) const
 {
-    return readInteger<unsigned int>(*this, ok, base);
+    return ReadInteger<unsigned int>(*this, ok, base);
 }
 
 long TStringCore::toLong(bool *ok, int base) const
 {
-    return readInteger<long>(*this, ok, base);
+    return ReadInteger<long>(*this, ok, base);
 }
 
 unsigned long TStringCore::toULong(bool *ok, int base) const
 {
-    return readInteger<unsigned long>(*this, ok, base);
+    return ReadInteger<unsigned long>(*this, ok, base);
 }
 
 long long TStringCore::toLongLong(bool *ok, int base) const
 {
-    return readInteger<long long>(*this, ok, base);
+    return ReadInteger<long long>(*this, ok, base);
 }
 
 unsigned long long TStringCore::toULongLong(bool *ok, int base) const
 {
-    return readInteger<unsigned long long>(*this, ok, base);
+    return ReadInteger<unsigned long long>(*this, ok, base);
 }
 
 float TStringCore::toFloat(bool *ok) const
 {
-    return readFloating<float>(*this, ok);
+    return ReadFloating<float>(*this, ok);
 }
 
 double TStringCore::toDouble(bool *ok) const
 {
-    return readFloating<double>(*this, ok);
+    return ReadFloating<double>(*this, ok);
 }

@@ -12,6 +12,7 @@
 using vansys::detail::FormatMarker;
 using vansys::detail::StringStorage;
 using vansys::detail::Units;
+using vansys::detail::UnitsOf;
 
 namespace
 {
@@ -21,12 +22,12 @@ namespace
 /// What the scanner is to know at run time.
 struct RunTimeRules
 {
-    static bool isDigit(TCodeUnit unit)
+    static bool IsDigit(TCodeUnit unit)
     {
         return unit < 0x80 ? unit >= u'0' && unit <= u'9' : TCType::isDigit(unit);
     }
 
-    [[noreturn]] static int fail(char const *message)
+    [[noreturn]] static int Fail(char const *message)
     {
         throw TFormatStringCore::Exception(TStringCore(message));
     }
@@ -37,7 +38,7 @@ struct FewMarkers : RunTimeRules
 {
     static constexpr std::size_t Capacity = 16;
 
-    void addMarker(FormatMarker const &marker)
+    void AddMarker(FormatMarker const &marker)
     {
         if (count < Capacity)
             markers[count] = marker;
@@ -51,39 +52,34 @@ struct FewMarkers : RunTimeRules
 /// Takes down all.
 struct AllMarkers : RunTimeRules
 {
-    void addMarker(FormatMarker const &marker) { markers.push_back(marker); }
+    void AddMarker(FormatMarker const &marker) { markers.push_back(marker); }
 
     std::vector<FormatMarker> markers;
 };
 
 template <class Sink>
-int scan(Units format, Sink &sink)
+int Scan(Units format, Sink &sink)
 {
     return vansys::detail::ScanFormat(format.begin(), format.end(), sink);
 }
 
 /// For the few format strings with many markers.
-std::vector<FormatMarker> scanForMany(Units format, std::size_t count)
+std::vector<FormatMarker> ScanForMany(Units format, std::size_t count)
 {
     AllMarkers all;
     all.markers.reserve(count);
-    scan(format, all);
+    Scan(format, all);
     return std::move(all.markers);
 }
 
 // Formatting
 
-Units unitsOf(Units units)
+Units UnitsOf(Units units)
 {
     return units;
 }
 
-Units unitsOf(TStringCore const &text)
-{
-    return vansys::detail::UnitsOf(text);
-}
-
-[[noreturn]] void failForArguments(std::size_t have, int need, Units format)
+[[noreturn]] void FailForArguments(std::size_t have, int need, Units format)
 {
     throw TFormatStringCore::Exception(
         TFormatStringCore(
@@ -95,7 +91,7 @@ Units unitsOf(TStringCore const &text)
 
 /// Copies from half of `Chunk` to all of it, in two halves that may overlap.
 template <std::size_t Chunk>
-void putInHalves(TCodeUnit *out, Units units)
+void PutInHalves(TCodeUnit *out, Units units)
 {
     constexpr std::size_t HalfSize = Chunk / 2 * sizeof *out;
     std::size_t const second = units.size() - Chunk / 2;
@@ -107,7 +103,7 @@ void putInHalves(TCodeUnit *out, Units units)
 }
 
 /// Copies units; the few that most parts of a message have cost no call.
-inline TCodeUnit *putUnits(TCodeUnit *out, Units units)
+inline TCodeUnit *PutUnits(TCodeUnit *out, Units units)
 {
     std::size_t const count = units.size();
     if (count < 4)
@@ -119,39 +115,39 @@ inline TCodeUnit *putUnits(TCodeUnit *out, Units units)
         out[count - 1] = units[count - 1];
     }
     else if (count <= 8)
-        putInHalves<8>(out, units);
+        PutInHalves<8>(out, units);
     else if (count <= 16)
-        putInHalves<16>(out, units);
+        PutInHalves<16>(out, units);
     else if (count <= 32)
-        putInHalves<32>(out, units);
+        PutInHalves<32>(out, units);
     else
         std::memcpy(out, units.data(), count * sizeof *out);
     return out + count;
 }
 
-Units between(TCodeUnit const *begin, TCodeUnit const *end)
+Units Between(TCodeUnit const *begin, TCodeUnit const *end)
 {
     return Units(begin, static_cast<std::size_t>(end - begin));
 }
 
 /// What takes the place of a marker.
 template <class Argument>
-Units replacementOf(FormatMarker const &marker, Units format, Argument const *arguments)
+Units ReplacementOf(FormatMarker const &marker, Units format, Argument const *arguments)
 {
     if (marker.number == 0)
         return Units(format.data() + marker.start, 1); // one of the two percent signs
-    return unitsOf(arguments[marker.number - 1]);
+    return UnitsOf(arguments[marker.number - 1]);
 }
 
 /// The format string with its markers replaced, none of which has a number above that of the arguments.
 template <class Argument>
-TStringCore assemble(Units format, FormatMarker const *begin, FormatMarker const *end,
+TStringCore Assemble(Units format, FormatMarker const *begin, FormatMarker const *end,
                      Argument const *arguments)
 {
     auto length = static_cast<std::int64_t>(format.size());
     for (FormatMarker const *marker = begin; marker != end; ++marker)
         length +=
-            static_cast<std::int64_t>(replacementOf(*marker, format, arguments).size()) - marker->length;
+            static_cast<std::int64_t>(ReplacementOf(*marker, format, arguments).size()) - marker->length;
 
     StringStorage text;
     TCodeUnit *out = text.setLengthForOverwrite(StringStorage::checkedLength(length));
@@ -159,11 +155,11 @@ TStringCore assemble(Units format, FormatMarker const *begin, FormatMarker const
     for (FormatMarker const *marker = begin; marker != end; ++marker)
     {
         TCodeUnit const *const percentSign = format.data() + marker->start;
-        out = putUnits(out, between(next, percentSign));
-        out = putUnits(out, replacementOf(*marker, format, arguments));
+        out = PutUnits(out, Between(next, percentSign));
+        out = PutUnits(out, ReplacementOf(*marker, format, arguments));
         next = percentSign + marker->length;
     }
-    putUnits(out, between(next, format.data() + format.size()));
+    PutUnits(out, Between(next, format.data() + format.size()));
     return TStringCore(std::move(text));
 }
 
@@ -226,11 +222,11 @@ void TFormatStringCore::swapFormat(TFormatStringCore &other) noexcept
 void TFormatStringCore::scanForMarkers()
 {
     FewMarkers few;
-    m_highestNumber = scan(unitsOf(m_format), few);
+    m_highestNumber = Scan(UnitsOf(m_format), few);
     if (few.count <= FewMarkers::Capacity)
         m_markers.assign(few.markers, few.markers + few.count);
     else
-        m_markers = scanForMany(unitsOf(m_format), few.count);
+        m_markers = ScanForMany(UnitsOf(m_format), few.count);
 }
 
 // Binding arguments
@@ -281,25 +277,25 @@ TFormatStringCore &TFormatStringCore::bind(std::initializer_list<TStringCore con
 TStringCore TFormatStringCore::result() const
 {
     if (m_arguments.size() < static_cast<std::size_t>(m_highestNumber))
-        failForArguments(m_arguments.size(), m_highestNumber, unitsOf(m_format));
-    return assemble(unitsOf(m_format), m_markers.data(), m_markers.data() + m_markers.size(),
+        FailForArguments(m_arguments.size(), m_highestNumber, UnitsOf(m_format));
+    return Assemble(UnitsOf(m_format), m_markers.data(), m_markers.data() + m_markers.size(),
                     m_arguments.data());
 }
 
 namespace
 {
 
-TStringCore toString(Units units)
+TStringCore ToString(Units units)
 {
     return TStringCore(units.data(), static_cast<int>(units.size()));
 }
 
 /// For the few format strings with many markers.
-TStringCore formatWithMany(Units format, std::initializer_list<Units> arguments)
+TStringCore FormatWithMany(Units format, std::initializer_list<Units> arguments)
 {
-    TFormatStringCore result(toString(format));
+    TFormatStringCore result(ToString(format));
     for (Units const argument : arguments)
-        result.arg(toString(argument));
+        result.arg(ToString(argument));
     return result;
 }
 
@@ -308,12 +304,12 @@ TStringCore formatWithMany(Units format, std::initializer_list<Units> arguments)
 TStringCore vansys::detail::FormatUnits(Units format, std::initializer_list<Units> arguments)
 {
     FewMarkers few;
-    int const highestNumber = scan(format, few);
+    int const highestNumber = Scan(format, few);
     if (arguments.size() < static_cast<std::size_t>(highestNumber))
-        failForArguments(arguments.size(), highestNumber, format);
+        FailForArguments(arguments.size(), highestNumber, format);
     if (few.count > FewMarkers::Capacity)
-        return formatWithMany(format, arguments);
-    return assemble(format, few.markers, few.markers + few.count, arguments.begin());
+        return FormatWithMany(format, arguments);
+    return Assemble(format, few.markers, few.markers + few.count, arguments.begin());
 }
 
 // Exception

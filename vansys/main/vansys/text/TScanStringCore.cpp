@@ -4,8 +4,8 @@
 #include "vansys/TCType.h"
 #include "vansys/ThrowLogicException.h"
 
-#include <algorithm>
 #include <cstdint>
+#include <limits>
 
 using vansys::detail::StringStorage;
 using vansys::detail::TwinText;
@@ -18,70 +18,53 @@ constexpr TCodeUnit Empty[] = {0};
 constexpr TCodeUnit LineFeed = u'\n';
 constexpr TCodeUnit CarriageReturn = u'\r';
 
-[[noreturn]] void fail(char const *message)
+[[noreturn]] void Fail(char const *message)
 {
     throw TScanStringCore::Exception(message);
 }
 
-void checkInput(TCodeUnit const *input)
+void CheckInput(TCodeUnit const *input)
 {
     if (!input)
         ThrowLogicException("vansys/main/vansys/TScanStringCore", 223, "m_input");
 }
 
-TCodeUnit const *orEmpty(TCodeUnit const *text)
+TCodeUnit const *OrEmpty(TCodeUnit const *text)
 {
     return text ? text : Empty;
 }
 
-/// The length of the units that `accepts` is true for, up to the terminator.
-template <class Accepts>
-int lengthWhile(TCodeUnit const *text, Accepts accepts)
+/// The length of the elements that `accepts` is true for, up to the terminator.
+template <class Element, class Accepts>
+int LengthWhile(Element const *text, Accepts accepts)
 {
-    TCodeUnit const *const begin = orEmpty(text);
-    TCodeUnit const *end = begin;
-    while (*end && accepts(*end))
+    Element const *end = text;
+    while (end && *end && accepts(*end))
         ++end;
-    return StringStorage::checkedLength(end - begin);
+    return StringStorage::checkedLength(end - text);
 }
 
-/// How much of the text a number can take up, so that measuring one does not walk through all that follows.
-/// Two units at least where the text has them: base 0 asks whether there are two.
-int lengthForNumber(TCodeUnit const *text)
+/// The length of an integer with a sign in front of it. `lengthInt` measures one in base 10 only; the readers
+/// of numbers take one in every base.
+int SignedIntegerLength(TCodeUnit const *text, int base)
 {
-    int const length = lengthWhile(text,
-                                   [](TCodeUnit unit)
-                                   {
-                                       TCodeUnit const folded = unit | 0x20;
-                                       return (folded >= u'0' && folded <= u'9') ||
-                                              (folded >= u'a' && folded <= u'z') || unit == u'+' ||
-                                              unit == u'-' || unit == u'.';
-                                   });
-    return length < 2 ? TScanStringCore::lengthString(text, 2) : length;
-}
-
-int integerLength(TCodeUnit const *text, int base)
-{
-    return TStringCore::leftIntegerLength(text, lengthForNumber(text), base);
-}
-
-int floatLength(TCodeUnit const *text)
-{
-    return TStringCore::leftDoubleLength(text, lengthForNumber(text));
+    int const sign = base != 10 && base != 0 && (*text == u'+' || *text == u'-');
+    int const length = TStringCore::leftIntegerLength(text + sign, -1, base);
+    return length == 0 ? 0 : StringStorage::checkedLength(std::int64_t{sign} + length);
 }
 
 /// The integer that the text begins with.
-TStringCore integerText(TCodeUnit const *text, int base)
+TStringCore IntegerText(TCodeUnit const *text, int base)
 {
-    int const length = integerLength(text, base);
+    int const length = SignedIntegerLength(text, base);
     if (length == 0)
-        fail("TScanStringCore::readInt: Integer value not found.");
+        Fail("TScanStringCore::readInt: Integer value not found.");
     return TStringCore(text, length);
 }
 
 /// The value of an integer that has been measured with the base.
 template <class Integer>
-Integer integerOf(TStringCore const &text, int base, Integer min, Integer max,
+Integer IntegerOf(TStringCore const &text, int base, Integer min, Integer max,
                   Integer (TStringCore::*convert)(bool *, int) const)
 {
     // A single digit has no prefix that base 0 could ask for, and the reader refuses to look for one.
@@ -89,16 +72,28 @@ Integer integerOf(TStringCore const &text, int base, Integer min, Integer max,
     bool ok = false;
     Integer const value = (text.*convert)(&ok, readBase);
     if (!ok || value < min || value > max)
-        fail("TScanStringCore::readInt: Integer value out of range.");
+        Fail("TScanStringCore::readInt: Integer value out of range.");
     return value;
 }
 
-/// Measures twin text by its units.
+/// Measures text of the other wide type by its units, of which it makes about as many as the item has: what
+/// follows may be long, and be measured item by item.
 template <class Measure>
-int measureTwin(TWideTwin const *text, Measure measure)
+int MeasureTwin(TWideTwin const *text, Measure measure)
 {
-    TwinText const twin(text);
-    return twin.position(measure(twin.units()));
+    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
+        return measure(reinterpret_cast<TCodeUnit const *>(text));
+
+    // What comes behind so many units does not matter: "inf" looks as far as "infinity" to know its end.
+    constexpr int Lookahead = 8;
+    for (int count = 64;; count = count <= std::numeric_limits<int>::max() / 2 ? count * 2 : -1)
+    {
+        int const present = TScanStringCore::lengthString(text, count);
+        TwinText const twin(text, present);
+        int const length = measure(twin.units());
+        if (present != count || twin.length() - length >= Lookahead)
+            return twin.position(length);
+    }
 }
 
 } // namespace
@@ -108,44 +103,44 @@ int measureTwin(TWideTwin const *text, Measure measure)
 int TScanStringCore::lengthAnyOf(TCodeUnit const *text, Text const &set)
 {
     UnitSet const units(set.units(), set.length());
-    return lengthWhile(text, [&](TCodeUnit unit) { return units.contains(unit); });
+    return LengthWhile(text, [&](TCodeUnit unit) { return units.contains(unit); });
 }
 
 int TScanStringCore::lengthAnyNotOf(TCodeUnit const *text, Text const &set)
 {
     UnitSet const units(set.units(), set.length());
-    return lengthWhile(text, [&](TCodeUnit unit) { return !units.contains(unit); });
+    return LengthWhile(text, [&](TCodeUnit unit) { return !units.contains(unit); });
 }
 
 int TScanStringCore::lengthWhitespace(TCodeUnit const *text)
 {
-    return lengthWhile(text, [](TCodeUnit unit) { return TCType::isSpace(unit); });
+    return LengthWhile(text, [](TCodeUnit unit) { return TCType::isSpace(unit); });
 }
 
 int TScanStringCore::lengthNonWhitespace(TCodeUnit const *text)
 {
-    return lengthWhile(text, [](TCodeUnit unit) { return !TCType::isSpace(unit); });
+    return LengthWhile(text, [](TCodeUnit unit) { return !TCType::isSpace(unit); });
 }
 
 int TScanStringCore::lengthString(TCodeUnit const *text, int count)
 {
     if (count < 0)
         return TStringCore::length(text);
-    return lengthWhile(text, [&count](TCodeUnit) { return count-- > 0; });
+    return LengthWhile(text, [&count](TCodeUnit) { return count-- > 0; });
 }
 
 int TScanStringCore::lengthLine(TCodeUnit const *text)
 {
-    return lengthWhile(text, [](TCodeUnit unit) { return unit != LineFeed; });
+    return LengthWhile(text, [](TCodeUnit unit) { return unit != LineFeed; });
 }
 
 int TScanStringCore::lengthNewline(TCodeUnit const *text)
 {
-    TCodeUnit const *const units = orEmpty(text);
+    TCodeUnit const *const units = OrEmpty(text);
     if (units[0] == 0)
         return 0;
     if (units[0] != LineFeed && units[0] != CarriageReturn)
-        fail("TScanStringCore::lengthNewLine: No new line found.");
+        Fail("TScanStringCore::lengthNewLine: No new line found.");
     return units[1] == (units[0] == LineFeed ? CarriageReturn : LineFeed) ? 2 : 1;
 }
 
@@ -156,93 +151,94 @@ int TScanStringCore::lengthBool(TCodeUnit const *text)
         if (TStringCore::compareN(text, word, word.length(), TStringCore::CaseInsensitive) == 0)
             return word.length();
     }
-    fail("TScanStringCore::lengthBool: Boolean value not found.");
+    Fail("TScanStringCore::lengthBool: Boolean value not found.");
 }
 
 int TScanStringCore::lengthInt(TCodeUnit const *text, int base)
 {
-    int const length = integerLength(text, base);
+    int const length = TStringCore::leftIntegerLength(text, -1, base);
     if (length == 0)
-        fail("TScanStringCore::lengthInt: Integer value not found.");
+        Fail("TScanStringCore::lengthInt: Integer value not found.");
     return length;
 }
 
 int TScanStringCore::lengthFloat(TCodeUnit const *text)
 {
-    int const length = floatLength(text);
+    int const length = TStringCore::leftDoubleLength(text, -1);
     if (length == 0)
-        fail("TScanStringCore::lengthFloat: Float value not found.");
+        Fail("TScanStringCore::lengthFloat: Float value not found.");
     return length;
 }
 
 int TScanStringCore::lengthAnyOf(TWideTwin const *text, Text const &set)
 {
-    return measureTwin(text, [&](TCodeUnit const *units) { return lengthAnyOf(units, set); });
+    return MeasureTwin(text, [&](TCodeUnit const *units) { return lengthAnyOf(units, set); });
 }
 
 int TScanStringCore::lengthAnyNotOf(TWideTwin const *text, Text const &set)
 {
-    return measureTwin(text, [&](TCodeUnit const *units) { return lengthAnyNotOf(units, set); });
+    return MeasureTwin(text, [&](TCodeUnit const *units) { return lengthAnyNotOf(units, set); });
 }
 
 int TScanStringCore::lengthWhitespace(TWideTwin const *text)
 {
-    return measureTwin(text, [](TCodeUnit const *units) { return lengthWhitespace(units); });
+    return MeasureTwin(text, [](TCodeUnit const *units) { return lengthWhitespace(units); });
 }
 
 int TScanStringCore::lengthNonWhitespace(TWideTwin const *text)
 {
-    return measureTwin(text, [](TCodeUnit const *units) { return lengthNonWhitespace(units); });
+    return MeasureTwin(text, [](TCodeUnit const *units) { return lengthNonWhitespace(units); });
 }
 
 int TScanStringCore::lengthString(TWideTwin const *text, int count)
 {
-    int const length = TStringCore::length(text);
-    return count < 0 ? length : std::min(count, length);
+    if (count < 0)
+        return TStringCore::length(text);
+    return LengthWhile(text, [&count](TWideTwin) { return count-- > 0; });
 }
 
 int TScanStringCore::lengthLine(TWideTwin const *text)
 {
-    return measureTwin(text, [](TCodeUnit const *units) { return lengthLine(units); });
+    return MeasureTwin(text, [](TCodeUnit const *units) { return lengthLine(units); });
 }
 
 int TScanStringCore::lengthNewline(TWideTwin const *text)
 {
-    return measureTwin(text, [](TCodeUnit const *units) { return lengthNewline(units); });
+    return MeasureTwin(text, [](TCodeUnit const *units) { return lengthNewline(units); });
 }
 
 int TScanStringCore::lengthBool(TWideTwin const *text)
 {
-    return measureTwin(text, [](TCodeUnit const *units) { return lengthBool(units); });
+    return MeasureTwin(text, [](TCodeUnit const *units) { return lengthBool(units); });
 }
 
 int TScanStringCore::lengthInt(TWideTwin const *text, int base)
 {
-    return measureTwin(text, [base](TCodeUnit const *units) { return lengthInt(units, base); });
+    return MeasureTwin(text, [base](TCodeUnit const *units) { return lengthInt(units, base); });
 }
 
 int TScanStringCore::lengthFloat(TWideTwin const *text)
 {
-    return measureTwin(text, [](TCodeUnit const *units) { return lengthFloat(units); });
+    return MeasureTwin(text, [](TCodeUnit const *units) { return lengthFloat(units); });
 }
 
 // The cursor
 
 TScanStringCore::TScanStringCore(TCodeUnit const *text) : m_input(text)
 {
-    checkInput(m_input);
+    CheckInput(m_input);
 }
 
 TScanStringCore &TScanStringCore::reset()
 {
-    checkInput(m_input);
+    CheckInput(m_input);
     m_cursor = 0;
     return *this;
 }
 
 TCodeUnit const *TScanStringCore::rest() const noexcept
 {
-    return orEmpty(m_input) + m_cursor;
+    return OrEmpty(m_input) + m_cursor;
 }
 
 int TScanStringCore::cursorBehind(std::int64_t length) const
@@ -263,7 +259,7 @@ TScanStringCore &TScanStringCore::skip(Text const &expected)
     {
         // A zero that is expected is no match for the terminator: it would lead beyond.
         if (text[i] != expected.units()[i] || text[i] == 0)
-            fail("TScanStringCore::skip: String mismatch.");
+            Fail("TScanStringCore::skip: String mismatch.");
     }
     return advance(expected.length());
 }
@@ -271,7 +267,7 @@ TScanStringCore &TScanStringCore::skip(Text const &expected)
 TScanStringCore &TScanStringCore::end()
 {
     if (*rest() != 0)
-        fail("TScanStringCore::end(): Expected null character.");
+        Fail("TScanStringCore::end(): Expected null character.");
     return *this;
 }
 
@@ -304,8 +300,8 @@ TScanStringCore &TScanStringCore::readBool(bool &out)
 
 void TScanStringCore::readInteger(long long &out, long long min, long long max, int base)
 {
-    TStringCore const text = integerText(rest(), base);
-    long long const value = integerOf(text, base, min, max, &TStringCore::toLongLong);
+    TStringCore const text = IntegerText(rest(), base);
+    long long const value = IntegerOf(text, base, min, max, &TStringCore::toLongLong);
     advance(text.length());
     out = value;
 }
@@ -313,17 +309,17 @@ void TScanStringCore::readInteger(long long &out, long long min, long long max, 
 void TScanStringCore::readInteger(unsigned long long &out, unsigned long long min, unsigned long long max,
                                   int base)
 {
-    TStringCore const text = integerText(rest(), base);
-    unsigned long long const value = integerOf(text, base, min, max, &TStringCore::toULongLong);
+    TStringCore const text = IntegerText(rest(), base);
+    unsigned long long const value = IntegerOf(text, base, min, max, &TStringCore::toULongLong);
     advance(text.length());
     out = value;
 }
 
 TScanStringCore &TScanStringCore::readFloat(float &out)
 {
-    int const length = floatLength(rest());
+    int const length = TStringCore::leftDoubleLength(rest(), -1);
     if (length == 0)
-        fail("TScanStringCore::readFloat: Float value not found.");
+        Fail("TScanStringCore::readFloat: Float value not found.");
     float const value = TStringCore(rest(), length).toFloat();
     advance(length);
     out = value;
@@ -332,9 +328,9 @@ TScanStringCore &TScanStringCore::readFloat(float &out)
 
 TScanStringCore &TScanStringCore::readFloat(double &out)
 {
-    int const length = floatLength(rest());
+    int const length = TStringCore::leftDoubleLength(rest(), -1);
     if (length == 0)
-        fail("TScanStringCore::readDouble: Float value not found.");
+        Fail("TScanStringCore::readDouble: Float value not found.");
     double const value = TStringCore(rest(), length).toDouble();
     advance(length);
     out = value;

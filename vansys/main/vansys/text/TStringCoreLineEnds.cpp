@@ -2,7 +2,11 @@
 
 #include "vansys/TStringCore.h"
 
+#include <algorithm>
+#include <cstdint>
+
 using vansys::detail::StringFunctions;
+using vansys::detail::StringStorage;
 
 namespace
 {
@@ -12,7 +16,7 @@ constexpr char CarriageReturn = '\r';
 
 /// Calls `put` for each unit that the text has with one LF for each line end.
 template <class Unit, class Put>
-void readAsUnix(Unit const *text, int length, Put put)
+void ReadAsUnix(Unit const *text, int length, Put put)
 {
     enum class State
     {
@@ -42,34 +46,58 @@ void readAsUnix(Unit const *text, int length, Put put)
     }
 }
 
-/// The same with CR LF for each line end.
-template <class Put>
-void readAsDos(TCodeUnit const *text, int length, Put put)
-{
-    readAsUnix(text, length,
-               [&](TCodeUnit unit)
-               {
-                   if (unit == LineFeed)
-                       put(TCodeUnit{CarriageReturn});
-                   put(unit);
-               });
-}
-
 /// Converts in place. Returns the new length.
 template <class Unit>
-int makeUnix(Unit *text, int length)
+int MakeUnix(Unit *text, int length)
 {
     Unit *out = text;
-    readAsUnix(text, length, [&](Unit unit) { *out++ = unit; });
+    ReadAsUnix(text, length, [&](Unit unit) { *out++ = unit; });
     return static_cast<int>(out - text);
 }
 
+/// Makes CR LF of each LF, in place, from right to left.
+void ExpandLineFeeds(TCodeUnit *text, int length, int newLength)
+{
+    for (TCodeUnit *in = text + length, *out = text + newLength; out != in;)
+    {
+        TCodeUnit const unit = *--in;
+        *--out = unit;
+        if (unit == LineFeed)
+            *--out = CarriageReturn;
+    }
+}
+
+struct DosForm
+{
+    std::int64_t length = 0;
+    bool isSame = true; ///< as the text is already
+};
+
+DosForm MeasureAsDos(TCodeUnit const *text, int length)
+{
+    DosForm result;
+    auto const put = [&](TCodeUnit unit)
+    {
+        result.isSame = result.isSame && result.length < length && text[result.length] == unit;
+        ++result.length;
+    };
+    ReadAsUnix(text, length,
+               [&](TCodeUnit unit)
+               {
+                   if (unit == LineFeed)
+                       put(CarriageReturn);
+                   put(unit);
+               });
+    result.isSame = result.isSame && result.length == length;
+    return result;
+}
+
 template <class Unit>
-int makeZeroTerminatedUnix(Unit *text)
+int MakeZeroTerminatedUnix(Unit *text)
 {
     if (!text)
         return 0;
-    int const length = makeUnix(text, StringFunctions::length(text));
+    int const length = MakeUnix(text, StringFunctions::length(text));
     text[length] = 0;
     return length;
 }
@@ -78,12 +106,12 @@ int makeZeroTerminatedUnix(Unit *text)
 
 int StringFunctions::dosToUnix(TCodeUnit *text)
 {
-    return makeZeroTerminatedUnix(text);
+    return MakeZeroTerminatedUnix(text);
 }
 
 int StringFunctions::dosToUnix(TWideTwin *text)
 {
-    return makeZeroTerminatedUnix(text);
+    return MakeZeroTerminatedUnix(text);
 }
 
 TStringCore &TStringCore::dosToUnix()
@@ -92,25 +120,22 @@ TStringCore &TStringCore::dosToUnix()
     if (findChar(constData(), length(), CarriageReturn) < 0)
         return *this;
     TCodeUnit *const units = m_storage.writableUnits();
-    m_storage.shorten(makeUnix(units, length()));
+    m_storage.shorten(MakeUnix(units, length()));
     return *this;
 }
 
 TStringCore &TStringCore::unixToDos()
 {
-    std::int64_t newLength = 0;
-    bool isSame = true;
-    readAsDos(constData(), length(),
-              [&](TCodeUnit unit)
-              {
-                  isSame = isSame && newLength < length() && constData()[newLength] == unit;
-                  ++newLength;
-              });
-    if (isSame && newLength == length())
+    DosForm const dos = MeasureAsDos(constData(), length());
+    if (dos.isSame)
         return *this;
-    TStringCore result;
-    TCodeUnit *out =
-        result.m_storage.setLengthForOverwrite(vansys::detail::StringStorage::checkedLength(newLength));
-    readAsDos(constData(), length(), [&](TCodeUnit unit) { *out++ = unit; });
-    return *this = std::move(result);
+    // Room for both forms comes first: it is what can fail, and the text may get shorter before it gets
+    // longer.
+    int const before = length();
+    int const after = StringStorage::checkedLength(dos.length);
+    m_storage.setLength(std::max(before, after));
+    TCodeUnit *const units = m_storage.writableUnits();
+    ExpandLineFeeds(units, MakeUnix(units, before), after);
+    m_storage.shorten(after);
+    return *this;
 }

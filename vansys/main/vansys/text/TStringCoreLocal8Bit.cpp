@@ -24,7 +24,7 @@ struct CloseConverter
 using Converter = std::unique_ptr<ICUConverter, CloseConverter>;
 
 /// Throws for a failure.
-void check(ICUErrorCode status)
+void Check(ICUErrorCode status)
 {
     if (status == U_MEMORY_ALLOCATION_ERROR)
         throw TStringCore::Exception("Out of memory");
@@ -33,17 +33,17 @@ void check(ICUErrorCode status)
                                      t_u_errorName(status));
 }
 
-Converter openDefaultConverter()
+Converter OpenDefaultConverter()
 {
     ICUErrorCode status = U_ZERO_ERROR;
     Converter converter(t_ucnv_open(nullptr, &status));
-    check(status);
+    Check(status);
     return converter;
 }
 
 /// Whether these bytes are U+001A, and not rejected ones: some code pages put that character, not U+FFFD, in
 /// the place of a single byte.
-bool standForU001A(ICUConverter *converter, std::string_view bytes)
+bool StandForU001A(ICUConverter *converter, std::string_view bytes)
 {
     TCodeUnit const unit = 0x1A;
     char buffer[8];
@@ -60,7 +60,7 @@ TStringCore TStringCore::fromLocal8Bit(char const *bytes, int count)
     if (!bytes || count == 0)
         return result;
     char const *const end = bytes + (count < 0 ? std::strlen(bytes) : static_cast<std::size_t>(count));
-    Converter const converter = openDefaultConverter();
+    Converter const converter = OpenDefaultConverter();
     for (;;)
     {
         char const *const start = bytes;
@@ -69,7 +69,7 @@ TStringCore TStringCore::fromLocal8Bit(char const *bytes, int count)
         if (status == U_INDEX_OUTOFBOUNDS_ERROR)
             return result;
         if (status == U_MEMORY_ALLOCATION_ERROR)
-            check(status);
+            Check(status);
         if (ICU_FAILURE(status))
         {
             codePoint = vansys::detail::ReplacementCharacter;
@@ -78,7 +78,7 @@ TStringCore TStringCore::fromLocal8Bit(char const *bytes, int count)
                 ++bytes;
         }
         else if (codePoint == 0x1A &&
-                 !standForU001A(converter.get(),
+                 !StandForU001A(converter.get(),
                                 std::string_view(start, static_cast<std::size_t>(bytes - start))))
             codePoint = vansys::detail::ReplacementCharacter;
 
@@ -97,7 +97,7 @@ std::string TStringCore::toLocal8Bit(bool *complete) const
         // Four bytes at most for a unit: with this limit, the number of bytes that an `int` cannot hold is
         // negative, never a smaller one.
         int needed = length() <= std::numeric_limits<int>::max() / 2 ? length() : -1;
-        Converter const converter = openDefaultConverter();
+        Converter const converter = OpenDefaultConverter();
         ICUErrorCode status = U_BUFFER_OVERFLOW_ERROR;
         while (status == U_BUFFER_OVERFLOW_ERROR)
         {
@@ -107,7 +107,7 @@ std::string TStringCore::toLocal8Bit(bool *complete) const
             status = U_ZERO_ERROR;
             needed = t_ucnv_fromUChars(converter.get(), bytes.data(), needed, constData(), length(), &status);
         }
-        check(status);
+        Check(status);
         bytes.resize(static_cast<std::size_t>(needed));
     }
     if (complete)

@@ -28,7 +28,7 @@ struct FormattedMessage
     Messages redacted;
 };
 
-TStringCore textOf(std::exception const &exception)
+TStringCore TextOf(std::exception const &exception)
 {
     try
     {
@@ -49,7 +49,7 @@ VantrelException::VantrelException(TFormatStringCore const &message) : VantrelEx
 
 VantrelException::VantrelException(std::exception const &exception) : VantrelException()
 {
-    StackMessage(textOf(exception));
+    StackMessage(TextOf(exception));
 }
 
 void VantrelException::StackMessage(TFormatStringCore const &message)
@@ -75,7 +75,7 @@ void VantrelException::SetMessage(TFormatStringCore const &message)
 
 void VantrelException::ToString(std::exception const &exception, TStringCore &out)
 {
-    out = textOf(exception);
+    out = TextOf(exception);
 }
 
 void StackExceptionAndRethrow(TFormatStringCore const &message)

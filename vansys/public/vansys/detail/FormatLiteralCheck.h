@@ -42,12 +42,12 @@ public:
     constexpr TCodeUnit operator*() const noexcept
     {
         Character const *next = m_next;
-        return take(next);
+        return Take(next);
     }
 
     constexpr FormatLiteralIterator &operator++() noexcept
     {
-        take(m_next);
+        Take(m_next);
         ++m_position;
         return *this;
     }
@@ -77,10 +77,10 @@ public:
 private:
     static constexpr TCodeUnit Other = 0xFFFD;
 
-    static constexpr TCodeUnit take(Character const *&text) noexcept
+    static constexpr TCodeUnit Take(Character const *&text) noexcept
     {
         if constexpr (sizeof(Character) == 1)
-            return takeUtf8(text);
+            return TakeUtf8(text);
         else
         {
             auto const value = static_cast<unsigned long>(*text++);
@@ -89,7 +89,7 @@ private:
     }
 
     /// With the rules that TStringCore::fromUtf8 states; the terminator continues no sequence.
-    static constexpr TCodeUnit takeUtf8(Character const *&text) noexcept
+    static constexpr TCodeUnit TakeUtf8(Character const *&text) noexcept
     {
         unsigned long value = static_cast<unsigned char>(*text++);
         if (value < 0x80)
@@ -117,12 +117,12 @@ private:
 
 struct FormatLiteralSink
 {
-    constexpr bool isDigit(TCodeUnit unit) const noexcept { return IsDecimalDigit(unit); }
+    constexpr bool IsDigit(TCodeUnit unit) const noexcept { return IsDecimalDigit(unit); }
 
-    constexpr void addMarker(FormatMarker const &) const noexcept {}
+    constexpr void AddMarker(FormatMarker const &) const noexcept {}
 
     /// Not constexpr: calling it while compiling is the error, which the compiler shows with the message.
-    int fail(char const *) const noexcept { return 0; }
+    int Fail(char const *) const noexcept { return 0; }
 };
 
 /// Scans zero-terminated text, and compares the highest marker number with the number of arguments, unless
@@ -134,7 +134,7 @@ constexpr void CheckFormatLiteral(Character const *text, int argumentCount)
     using Iterator = FormatLiteralIterator<Character>;
     int const highestNumber = text ? ScanFormat(Iterator(text), typename Iterator::Sentinel(), sink) : 0;
     if (argumentCount >= 0 && highestNumber > argumentCount)
-        sink.fail("Insufficient parameters to format string");
+        sink.Fail("Insufficient parameters to format string");
 }
 
 } // namespace vansys::detail

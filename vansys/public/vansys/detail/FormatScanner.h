@@ -19,9 +19,9 @@ struct FormatMarker
 /// Finds the markers of a format string, and returns the highest number of one; 0 when there is none.
 ///
 /// `Iterator` goes through the units, and two of them have a distance. `Sink` is told what is found; it has
-/// - `bool isDigit(TCodeUnit unit)`;
-/// - `void addMarker(FormatMarker const &marker)`;
-/// - `int fail(char const *message)`, which need not return; scanning ends with it.
+/// - `bool IsDigit(TCodeUnit unit)`;
+/// - `void AddMarker(FormatMarker const &marker)`;
+/// - `int Fail(char const *message)`, which need not return; scanning ends with it.
 ///
 /// A digit's value is its unit less that of "0", whatever script it is from, and only a number of two or more
 /// digits is compared with 99. So a marker of one digit that is not ASCII has a large number.
@@ -35,32 +35,32 @@ constexpr int ScanFormat(Iterator const begin, Sentinel const end, Sink &sink)
         if (*next++ != u'%')
             continue;
         if (next == end)
-            return sink.fail("Format string ends with an incomplete marker.");
+            return sink.Fail("Format string ends with an incomplete marker.");
 
         TCodeUnit const first = *next++;
         int number = 0;
         if (first != u'%')
         {
             if (first == u'0')
-                return sink.fail("Leading zero in marker number in format string.");
-            if (!sink.isDigit(first))
-                return sink.fail("Invalid numberless marker in format string.");
+                return sink.Fail("Leading zero in marker number in format string.");
+            if (!sink.IsDigit(first))
+                return sink.Fail("Invalid numberless marker in format string.");
             number = first - u'0';
-            for (; next != end && sink.isDigit(*next); ++next)
+            for (; next != end && sink.IsDigit(*next); ++next)
             {
                 number = number * 10 + (*next - u'0');
                 if (number > 99)
-                    return sink.fail("Invalid marker number > 99 in format string.");
+                    return sink.Fail("Invalid marker number > 99 in format string.");
             }
             // It takes a digit in front of "0", which Unicode does not have.
             if (number < 1 && next != end)
-                return sink.fail("Invalid marker number <= 0 in format string.");
+                return sink.Fail("Invalid marker number <= 0 in format string.");
             if (number < 1)
-                return sink.fail("Format string ends with an invalid marker number <= 0.");
+                return sink.Fail("Format string ends with an invalid marker number <= 0.");
             if (number > highestNumber)
                 highestNumber = number;
         }
-        sink.addMarker(FormatMarker{static_cast<int>(start - begin), static_cast<int>(next - start), number});
+        sink.AddMarker(FormatMarker{static_cast<int>(start - begin), static_cast<int>(next - start), number});
     }
     return highestNumber;
 }
