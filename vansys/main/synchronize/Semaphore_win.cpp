@@ -1,5 +1,6 @@
 #include "vansys/TSemaphore.h"
 
+#include "main/platform/Handle.h"
 #include "main/platform/Windows.h"
 #include "main/synchronize/SemaphoreFailure.h"
 
@@ -24,25 +25,25 @@ public:
     bool TryAcquire(unsigned int timeoutMs) override
     {
         static_assert(NoTimeout == INFINITE);
-        return WaitForSingleObject(m_handle, timeoutMs) == WAIT_OBJECT_0;
+        return WaitForSingleObject(m_handle.Get(), timeoutMs) == WAIT_OBJECT_0;
     }
 
     void Acquire() override
     {
-        if (WaitForSingleObject(m_handle, INFINITE) == WAIT_FAILED)
+        if (WaitForSingleObject(m_handle.Get(), INFINITE) == WAIT_FAILED)
             ThrowSemaphoreFailure(SemaphoreAcquireFailed, GetLastError());
     }
 
     void Release() override
     {
-        if (!ReleaseSemaphore(m_handle, 1, nullptr))
+        if (!ReleaseSemaphore(m_handle.Get(), 1, nullptr))
             ThrowSemaphoreFailure(SemaphoreReleaseFailed, GetLastError());
     }
 
 private:
-    ~Semaphore_win() override { CloseHandle(m_handle); }
+    ~Semaphore_win() override = default;
 
-    HANDLE m_handle;
+    Handle m_handle;
 };
 
 } // namespace
