@@ -1,6 +1,7 @@
 #include "vansys/VantrelException.h"
 #include "vansys/AssertHooks.h"
 #include "vansys/TFormatStringCore.h"
+#include "vansys/TScanStringCore.h"
 #include "vansys/ThrowLogicException.h"
 #include "vansys/VantrelOutOfMemoryException.h"
 #include "vansys/VantrelUserErrorException.h"
@@ -12,6 +13,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <typeinfo>
 
 using Messages = std::list<TStringCore>;
 
@@ -105,30 +107,70 @@ TEST(VantrelException, TakesTheTextOfForeignExceptions)
     }
 }
 
-TEST(VantrelException, CloneAndThrowKeepTheType)
+namespace
 {
-    std::unique_ptr<VantrelException> const memory(VantrelOutOfMemoryException().Clone());
-    EXPECT_THROW(memory->Throw(), VantrelOutOfMemoryException);
-    EXPECT_EQ(memory->GetConcatenatedMessages(), u"Out of memory\n");
 
-    VantrelUserErrorException const user("no such file");
-    std::unique_ptr<VantrelException> const plain(user.Clone());
-    for (VantrelException const *exception :
-         {static_cast<VantrelException const *>(&user), static_cast<VantrelException const *>(plain.get())})
+// Classes of a host: one of its own, one derived from that, and one that overrides by hand.
+
+class HostException : public VantrelExceptionOf<HostException>
+{
+public:
+    using VantrelExceptionOf::VantrelExceptionOf;
+};
+
+class LineException : public VantrelExceptionOf<LineException, HostException>
+{
+public:
+    using VantrelExceptionOf::VantrelExceptionOf;
+};
+
+class PoolException : public VantrelOutOfMemoryException
+{
+public:
+    using VantrelOutOfMemoryException::VantrelOutOfMemoryException;
+
+    PoolException *Clone() const override { return new PoolException(*this); }
+    [[noreturn]] void Throw() const override { throw PoolException(*this); }
+};
+
+/// Expects that the exception and its clone throw a `Thrown` with the same messages, and that the clone has
+/// the type `Typed`.
+template <class Thrown, class Typed = Thrown>
+void expectCopies(auto const &exception)
+{
+    Typed *const typed = exception.Clone();
+    std::unique_ptr<VantrelException> const clone(typed);
+    std::initializer_list<VantrelException const *> const sources = {&exception, clone.get()};
+    for (VantrelException const *const source : sources)
     {
+        EXPECT_THROW(source->Throw(), Thrown);
         try
         {
-            exception->Throw();
-        }
-        catch (VantrelUserErrorException const &)
-        {
-            FAIL() << "a user error is re-thrown as a plain exception";
+            source->Throw();
         }
         catch (VantrelException const &caught)
         {
-            EXPECT_EQ(caught.GetMessagesFront(), u"no such file");
+            EXPECT_EQ(typeid(caught), typeid(Thrown));
+            EXPECT_EQ(caught.GetMessages(), exception.GetMessages());
+            EXPECT_EQ(caught.GetRedactedMessages(), exception.GetRedactedMessages());
         }
     }
+}
+
+} // namespace
+
+TEST(VantrelException, CloneAndThrowKeepTheType)
+{
+    EXPECT_EQ(VantrelOutOfMemoryException().GetMessages(), Messages{"Out of memory"});
+    LineException const line(TFormatStringCore("line %1").arg("7"));
+    expectCopies<VantrelException>(VantrelException("plain"));
+    expectCopies<VantrelOutOfMemoryException>(VantrelOutOfMemoryException());
+    expectCopies<VantrelException>(VantrelUserErrorException("stored as a plain exception"));
+    expectCopies<TScanStringCore::Exception>(TScanStringCore::Exception(L"wide"));
+    expectCopies<TFormatStringCore::Exception>(TFormatStringCore::Exception(Messages{"a", "b"}));
+    expectCopies<LineException>(line);
+    expectCopies<LineException, HostException>(static_cast<HostException const &>(line));
+    expectCopies<PoolException>(PoolException(u"pool"));
 }
 
 TEST(VantrelException, StackExceptionAndRethrowAddsToTheSameObject)

@@ -5,7 +5,7 @@
 #include "vansys/Export.h"
 #include "vansys/TCodeUnit.h"
 #include "vansys/TStringCore.h"
-#include "vansys/VantrelException.h"
+#include "vansys/VantrelExceptionOf.h"
 #include "vansys/detail/FormatScanner.h"
 
 #include <cstddef>
@@ -171,17 +171,12 @@ private:
 };
 
 /// A format string that is none, or too few arguments. Cloned and re-thrown as its own type.
-class VANSYS_API TFormatStringCore::Exception : public VantrelException
+class VANSYS_API TFormatStringCore::Exception : public VantrelExceptionOf<TFormatStringCore::Exception>
 {
 public:
+    using VantrelExceptionOf::VantrelExceptionOf;
+
     Exception(Exception const &) = default;
-
-    explicit Exception(TStringCore const &message);
-    explicit Exception(TFormatStringCore const &message);
-
     Exception &operator=(Exception const &) = default;
     ~Exception() override;
-
-    Exception *Clone() const override;
-    [[noreturn]] void Throw() const override;
 };

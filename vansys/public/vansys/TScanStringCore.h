@@ -5,7 +5,7 @@
 #include "vansys/Export.h"
 #include "vansys/TCodeUnit.h"
 #include "vansys/TStringCore.h"
-#include "vansys/VantrelException.h"
+#include "vansys/VantrelExceptionOf.h"
 #include "vansys/detail/TwinText.h"
 
 #include <cstdint>
@@ -205,16 +205,12 @@ private:
 };
 
 /// Something else than what was to be read. Cloned and re-thrown as its own type.
-class VANSYS_API TScanStringCore::Exception : public VantrelException
+class VANSYS_API TScanStringCore::Exception : public VantrelExceptionOf<TScanStringCore::Exception>
 {
 public:
+    using VantrelExceptionOf::VantrelExceptionOf;
+
     Exception(Exception const &) = default;
-
-    explicit Exception(TStringCore const &message);
-
     Exception &operator=(Exception const &) = default;
     ~Exception() override;
-
-    Exception *Clone() const override;
-    [[noreturn]] void Throw() const override;
 };

@@ -24,8 +24,8 @@ class TFormatStringCore;
 /// It does not derive from `std::exception`. Exceptions are values: copying copies both stacks. One object is
 /// used by one thread at a time; `Clone` gives another thread its own.
 ///
-/// A class derived from it forwards its constructors to the ones here, adds no data, and overrides `Clone`
-/// and `Throw` for its own type, so that whoever holds a `VantrelException *` re-throws the right type.
+/// A class derived from it adds no data, and overrides `Clone` and `Throw` for its own type, so that whoever
+/// holds a `VantrelException *` re-throws the right type: `VantrelExceptionOf` does that for it.
 ///
 /// A failing allocation while a message is added is `std::bad_alloc` (or `TStringCore::Exception` when it was
 /// the text that could not be made), and leaves the exception object as it was.

@@ -11,18 +11,9 @@
 class VANSYS_API VantrelUserErrorException : public VantrelException
 {
 public:
+    using VantrelException::VantrelException;
+
     VantrelUserErrorException(VantrelUserErrorException const &) = default;
-
-    explicit VantrelUserErrorException(TFormatStringCore const &message);
-    explicit VantrelUserErrorException(TStringCore const &message);
-
-    /// The same from a literal, wide or UTF-8: always plain text.
-    explicit VantrelUserErrorException(char const *message) : VantrelException(message) {}
-
-    explicit VantrelUserErrorException(TCodeUnit const *message) : VantrelException(message) {}
-
-    explicit VantrelUserErrorException(TWideTwin const *message) : VantrelException(message) {}
-
     VantrelUserErrorException &operator=(VantrelUserErrorException const &) = default;
     ~VantrelUserErrorException() override;
 };

@@ -38,6 +38,7 @@
 #include "vansys/ThreadSafety.h"
 #include "vansys/ThrowLogicException.h"
 #include "vansys/VantrelException.h"
+#include "vansys/VantrelExceptionOf.h"
 #include "vansys/VantrelOutOfMemoryException.h"
 #include "vansys/VantrelUserErrorException.h"
 #include "vansys/WaitForEvents.h"

@@ -13,7 +13,7 @@ namespace
 std::atomic<AssertHooks::Hook> g_logicAssertHook{nullptr};
 std::atomic<AssertHooks::Hook> g_debugAssertHook{nullptr};
 
-std::string orEmpty(char const *text)
+std::string OrEmpty(char const *text)
 {
     return text ? text : "";
 }
@@ -37,8 +37,8 @@ void ThrowLogicException(char const *file, int line, char const *expression)
         hook(file, line, expression);
         return;
     }
-    std::string const message = "LogicAssert failed (but no hook has been set) at " + orEmpty(file) +
-                                " line " + std::to_string(line) + ": " + orEmpty(expression);
+    std::string const message = "LogicAssert failed (but no hook has been set) at " + OrEmpty(file) +
+                                " line " + std::to_string(line) + ": " + OrEmpty(expression);
     vansys::detail::WriteDebugOutput(message.c_str());
     throw VantrelException(TStringCore::fromStdString(message));
 }

@@ -129,32 +129,8 @@ void StackExceptionAndRethrow(TStringCore const &message)
 
 // Subclasses
 
-VantrelOutOfMemoryException::VantrelOutOfMemoryException() : VantrelException("Out of memory") {}
-
-VantrelOutOfMemoryException::VantrelOutOfMemoryException(std::list<TStringCore> const &messages)
-    : VantrelException(messages)
-{
-}
-
-VantrelOutOfMemoryException::VantrelOutOfMemoryException(TStringCore const &message)
-    : VantrelException(message)
-{
-}
+VantrelOutOfMemoryException::VantrelOutOfMemoryException() : VantrelExceptionOf("Out of memory") {}
 
 VantrelOutOfMemoryException::~VantrelOutOfMemoryException() = default;
-
-VantrelOutOfMemoryException *VantrelOutOfMemoryException::Clone() const
-{
-    return new VantrelOutOfMemoryException(*this);
-}
-
-void VantrelOutOfMemoryException::Throw() const
-{
-    throw VantrelOutOfMemoryException(*this);
-}
-
-VantrelUserErrorException::VantrelUserErrorException(TStringCore const &message) : VantrelException(message)
-{
-}
 
 VantrelUserErrorException::~VantrelUserErrorException() = default;

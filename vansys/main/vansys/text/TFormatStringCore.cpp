@@ -312,20 +312,4 @@ TStringCore vansys::detail::FormatUnits(Units format, std::initializer_list<Unit
     return Assemble(format, few.markers, few.markers + few.count, arguments.begin());
 }
 
-// Exception
-
-TFormatStringCore::Exception::Exception(TStringCore const &message) : VantrelException(message) {}
-
-TFormatStringCore::Exception::Exception(TFormatStringCore const &message) : VantrelException(message) {}
-
 TFormatStringCore::Exception::~Exception() = default;
-
-TFormatStringCore::Exception *TFormatStringCore::Exception::Clone() const
-{
-    return new Exception(*this);
-}
-
-void TFormatStringCore::Exception::Throw() const
-{
-    throw Exception(*this);
-}

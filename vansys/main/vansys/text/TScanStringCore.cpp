@@ -337,18 +337,4 @@ TScanStringCore &TScanStringCore::readFloat(double &out)
     return *this;
 }
 
-// Exception
-
-TScanStringCore::Exception::Exception(TStringCore const &message) : VantrelException(message) {}
-
 TScanStringCore::Exception::~Exception() = default;
-
-TScanStringCore::Exception *TScanStringCore::Exception::Clone() const
-{
-    return new Exception(*this);
-}
-
-void TScanStringCore::Exception::Throw() const
-{
-    throw Exception(*this);
-}

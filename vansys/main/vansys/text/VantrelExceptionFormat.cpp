@@ -2,7 +2,6 @@
 
 #include "vansys/TFormatStringCore.h"
 #include "vansys/VantrelException.h"
-#include "vansys/VantrelUserErrorException.h"
 
 #include <utility>
 
@@ -89,9 +88,4 @@ void StackExceptionAndRethrow(TFormatStringCore const &message)
         exception.StackMessage(message);
         throw;
     }
-}
-
-VantrelUserErrorException::VantrelUserErrorException(TFormatStringCore const &message)
-    : VantrelException(message)
-{
 }
