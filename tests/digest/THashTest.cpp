@@ -24,8 +24,7 @@ std::vector<unsigned char> ShiftedMessage(unsigned int length)
 TEST(THashTest, ReferenceVectors)
 {
     std::ifstream file(VANSYS_TEST_DATA "/hash_vectors.txt");
-    int spookyCount = 0;
-    int lookupCount = 0;
+    int count = 0;
     for (std::string line; std::getline(file, line);)
     {
         SCOPED_TRACE(line);
@@ -41,22 +40,18 @@ TEST(THashTest, ReferenceVectors)
             ASSERT_TRUE(fields >> seed1 >> seed2 >> first >> second);
             EXPECT_EQ(THash128(data, length, seed1, seed2), std::pair(first, second));
             EXPECT_EQ(THash64(data, length, seed1), THash128(data, length, seed1, seed1).first);
-            ++spookyCount;
+            ++count;
         }
         else if (kind == "lookup2")
         {
             std::uint32_t seed, hash;
             ASSERT_TRUE(fields >> seed >> hash);
             EXPECT_EQ(THash32(data, length, seed), hash);
-            if (seed == 0xdeadbeef)
-            {
-                EXPECT_EQ(THash(data, length), hash);
-            }
-            ++lookupCount;
+            EXPECT_EQ(THash(data, length), THash32(data, length, 0xdeadbeef));
+            ++count;
         }
     }
-    EXPECT_EQ(spookyCount, 189);
-    EXPECT_EQ(lookupCount, 189);
+    EXPECT_EQ(count, 2 * 189);
 }
 
 TEST(THashTest, NoDataNeedsNoPointer)
@@ -70,12 +65,9 @@ TEST(THashTest, CombineHashesTheBytesOfTheValue)
 {
     for (unsigned int const value : {0u, 1u, 0x12345678u, 0xffffffffu})
     {
-        unsigned char const bytes[] = {
-            static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
-            static_cast<unsigned char>(value >> 16), static_cast<unsigned char>(value >> 24)};
         for (unsigned int const seed : {0u, 7u, 0xdeadbeefu, 0xffffffffu})
         {
-            EXPECT_EQ(THashCombine(value, seed), THash32(bytes, 4, seed)) << value << ' ' << seed;
+            EXPECT_EQ(THashCombine(value, seed), THash32(&value, 4, seed)) << value << ' ' << seed;
             EXPECT_EQ(THashCombine32(value, seed), THashCombine(value, seed)) << value << ' ' << seed;
         }
     }

@@ -14,10 +14,16 @@ namespace
 
 using namespace vansys::detail;
 
-/// Runs both on random blocks and chaining words, and compares the first `stateWords` words.
+/// Runs the portable and the fastest compression on random blocks and chaining words, and compares the first
+/// `stateWords` words. Known digests are compared with the fastest one: where that is the portable one,
+/// nothing is left to compare here.
 template <class Word>
-void ExpectSame(Sha2Compression<Word> portable, Sha2Compression<Word> fastest, std::size_t stateWords)
+void ExpectSame(Sha2Compression<Word> Sha2Compressions::*which, std::size_t stateWords)
 {
+    auto const portable = PortableSha2Compressions().*which;
+    auto const fastest = FastestSha2Compressions(DetectCpuFeatures()).*which;
+    if (fastest == portable)
+        GTEST_SKIP() << "this processor has no instructions for it";
     std::mt19937_64 random(20120806);
     auto const randomWord = [&] { return static_cast<Word>(random()); };
     constexpr std::size_t BlockSize = 16 * sizeof(Word);
@@ -44,47 +50,17 @@ void ExpectSame(Sha2Compression<Word> portable, Sha2Compression<Word> fastest, s
 
 } // namespace
 
-class sha2InternalTest : public testing::Test
+TEST(sha2InternalTest, Sha1InstructionsAgreeWithPortableCode)
 {
-protected:
-    Sha2Compressions const m_portable = PortableSha2Compressions();
-    Sha2Compressions const m_fastest = FastestSha2Compressions(DetectCpuFeatures());
-};
-
-TEST_F(sha2InternalTest, Sha1InstructionsAgreeWithPortableCode)
-{
-    if (m_fastest.sha1 == m_portable.sha1)
-        GTEST_SKIP() << "this processor has no SHA instructions";
-    ExpectSame(m_portable.sha1, m_fastest.sha1, 5);
+    ExpectSame(&Sha2Compressions::sha1, 5);
 }
 
-TEST_F(sha2InternalTest, Sha256InstructionsAgreeWithPortableCode)
+TEST(sha2InternalTest, Sha256InstructionsAgreeWithPortableCode)
 {
-    if (m_fastest.sha256 == m_portable.sha256)
-        GTEST_SKIP() << "this processor has no SHA instructions";
-    ExpectSame(m_portable.sha256, m_fastest.sha256, 8);
+    ExpectSame(&Sha2Compressions::sha256, 8);
 }
 
-TEST_F(sha2InternalTest, Sha512VectorsAgreeWithPortableCode)
+TEST(sha2InternalTest, Sha512VectorsAgreeWithPortableCode)
 {
-    if (m_fastest.sha512 == m_portable.sha512)
-        GTEST_SKIP() << "this processor has no AVX2 instructions";
-    ExpectSame(m_portable.sha512, m_fastest.sha512, 8);
-}
-
-// The one part of SHA-1, SHA-256 and SHA-512 that other tests reach only on processors without instructions
-// for it: the padded message "abc".
-TEST_F(sha2InternalTest, PortableCodeOnAKnownMessage)
-{
-    unsigned char block[128] = {'a', 'b', 'c', 0x80};
-    std::array<std::uint32_t, 8> sha1 = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476, 0xc3d2e1f0};
-    std::array<std::uint32_t, 8> sha256 = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
-                                           0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
-    block[63] = 24;
-    m_portable.sha1(sha1.data(), block, 1);
-    m_portable.sha256(sha256.data(), block, 1);
-    EXPECT_EQ(sha1,
-              (std::array<std::uint32_t, 8>{0xa9993e36, 0x4706816a, 0xba3e2571, 0x7850c26c, 0x9cd0d89d}));
-    EXPECT_EQ(sha256, (std::array<std::uint32_t, 8>{0xba7816bf, 0x8f01cfea, 0x414140de, 0x5dae2223,
-                                                    0xb00361a3, 0x96177a9c, 0xb410ff61, 0xf20015ad}));
+    ExpectSame(&Sha2Compressions::sha512, 8);
 }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -14,35 +13,11 @@
 namespace
 {
 
-constexpr sha2::SHA_TYPE AllTypes[] = {sha2::SHA1, sha2::SHA224, sha2::SHA256, sha2::SHA384, sha2::SHA512};
-constexpr std::size_t TypeCount = std::size(AllTypes);
-
-/// Digests of the messages of `TestMessage`, in the order of `AllTypes`.
-struct Vector
-{
-    unsigned int length;
-    std::string digests[TypeCount];
-};
-
-std::vector<Vector> ReadVectors()
-{
-    std::vector<Vector> vectors;
-    std::ifstream file(VANSYS_TEST_DATA "/sha_vectors.txt");
-    for (std::string line; std::getline(file, line);)
-    {
-        if (line.empty() || line[0] == '#')
-            continue;
-        Vector vector;
-        std::istringstream fields(line);
-        fields >> vector.length;
-        for (std::string &digest : vector.digests)
-            fields >> digest;
-        EXPECT_TRUE(fields) << line;
-        vectors.push_back(vector);
-    }
-    EXPECT_EQ(vectors.size(), 301u);
-    return vectors;
-}
+constexpr std::pair<sha2::SHA_TYPE, char const *> Algorithms[] = {{sha2::SHA1, "SHA160"},
+                                                                  {sha2::SHA224, "SHA224"},
+                                                                  {sha2::SHA256, "SHA256"},
+                                                                  {sha2::SHA384, "SHA384"},
+                                                                  {sha2::SHA512, "SHA512"}};
 
 std::vector<unsigned char> TestMessage(std::size_t length)
 {
@@ -58,10 +33,8 @@ std::string HexOfRaw(sha2 const &hash)
     unsigned char const *const digest = hash.RawHash(length);
     std::string text;
     for (int index = 0; index < length; ++index)
-    {
-        text += "0123456789abcdef"[digest[index] / 16];
-        text += "0123456789abcdef"[digest[index] % 16];
-    }
+        for (int const digit : {digest[index] / 16, digest[index] % 16})
+            text += "0123456789abcdef"[digit];
     return text;
 }
 
@@ -85,27 +58,42 @@ std::string ErrorOf(Action action)
 TEST(sha2Test, DigestsOfAllLengths)
 {
     sha2 reused;
-    for (Vector const &vector : ReadVectors())
+    EXPECT_STREQ(reused.GetTypeString(), "Unknown!");
+    EXPECT_EQ(reused.GetEnumType(), sha2::NONE);
+    EXPECT_FALSE(reused.IsBigEndian());
+
+    std::ifstream file(VANSYS_TEST_DATA "/sha_vectors.txt");
+    int count = 0;
+    for (std::string line; std::getline(file, line);)
     {
+        SCOPED_TRACE(line);
+        unsigned int length = 0;
+        std::istringstream fields(line);
+        if (!(fields >> length))
+            continue; // a comment
+        ++count;
         // One byte off any alignment, and nothing readable behind the end.
-        std::vector<unsigned char> shifted = TestMessage(vector.length);
+        std::vector<unsigned char> shifted = TestMessage(length);
         shifted.insert(shifted.begin(), 0xff);
         shifted.shrink_to_fit();
-        for (std::size_t type = 0; type < TypeCount; ++type)
+        for (auto const &[type, name] : Algorithms)
         {
-            SCOPED_TRACE(testing::Message() << "length " << vector.length << " type " << AllTypes[type]);
-            EXPECT_EQ(reused.GetHash(AllTypes[type], shifted.data() + 1, vector.length),
-                      vector.digests[type]);
-            EXPECT_EQ(reused.HexHash(), vector.digests[type]);
-            EXPECT_EQ(HexOfRaw(reused), vector.digests[type]);
+            std::string digest;
+            ASSERT_TRUE(fields >> digest);
+            EXPECT_EQ(reused.GetHash(type, shifted.data() + 1, length), digest);
+            EXPECT_EQ(reused.HexHash(), digest);
+            EXPECT_EQ(HexOfRaw(reused), digest);
+            EXPECT_STREQ(reused.GetTypeString(), name);
+            EXPECT_EQ(reused.GetEnumType(), type);
         }
     }
+    EXPECT_EQ(count, 301);
 }
 
 TEST(sha2Test, PiecesGiveTheDigestOfTheWhole)
 {
     std::vector<unsigned char> const message = TestMessage(1500);
-    for (sha2::SHA_TYPE const type : AllTypes)
+    for (auto const &[type, name] : Algorithms)
     {
         std::string const whole = sha2().GetHash(type, message.data(), 1500);
         for (unsigned int const size : {1u, 3u, 7u, 55u, 63u, 64u, 65u, 127u, 128u, 129u, 193u, 700u})
@@ -115,30 +103,8 @@ TEST(sha2Test, PiecesGiveTheDigestOfTheWhole)
             for (unsigned int done = 0; done < 1500; done += size)
                 hash.Update(message.data() + done, std::min(size, 1500 - done));
             hash.End();
-            EXPECT_EQ(hash.StringHash(), whole) << "type " << type << " pieces of " << size;
+            EXPECT_EQ(hash.StringHash(), whole) << name << ", pieces of " << size;
         }
-    }
-}
-
-// The published digests of a million times "a", in pieces that straddle the blocks.
-TEST(sha2Test, MillionBytes)
-{
-    char const *const expected[TypeCount] = {
-        "34aa973cd4c4daa4f61eeb2bdbad27316534016f",
-        "20794655980c91d8bbb4c1ea97618a4bf03f42581948b2ee4ee7ad67",
-        "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0",
-        "9d0e1809716474cb086e834e310a4a1ced149e9c00f248527972cec5704c2a5b07b8b3dc38ecc4ebae97ddd87f3d8985",
-        ("e718483d0ce769644e2e42c7bc15b4638e1f98b13b2044285632a803afa973eb"
-         "de0ff244877ea60a4cb0432ce577c31beb009c5c2c49aa2e4eadb217ad8cc09b")};
-    std::vector<unsigned char> const piece(1000, 'a');
-    for (std::size_t type = 0; type < TypeCount; ++type)
-    {
-        sha2 hash;
-        hash.Init(AllTypes[type]);
-        for (int count = 0; count < 1000; ++count)
-            hash.Update(piece.data(), 1000);
-        hash.End();
-        EXPECT_EQ(hash.StringHash(), expected[type]);
     }
 }
 
@@ -155,65 +121,35 @@ TEST(sha2Test, LengthBeyond32Bits)
     EXPECT_EQ(hash.StringHash(), "7c40fe5ce847740d0f0d0cdde3949d6585804cdec3ae61a15b923165699c8137");
 }
 
-TEST(sha2Test, CopiesGoOnInMidMessage)
+TEST(sha2Test, CopiesGoOnInMidMessageAndAnswerForTheDigest)
 {
     std::vector<unsigned char> const message = TestMessage(1000);
-    for (sha2::SHA_TYPE const type : AllTypes)
+    for (auto const &[type, name] : Algorithms)
     {
+        SCOPED_TRACE(name);
         std::string const whole = sha2().GetHash(type, message.data(), 1000);
         sha2 first;
         first.GetHash(sha2::SHA1, message.data(), 3);
         first.Init(type);
         first.Update(message.data(), 333);
 
-        sha2 copied(first);
-        sha2 assigned;
+        sha2 copied(first), assigned;
         assigned = first;
         sha2 moved(std::move(first));
-        sha2 moveAssigned;
-        moveAssigned = std::move(assigned);
-        for (sha2 *const hash : {&first, &copied, &assigned, &moved, &moveAssigned})
+        for (sha2 *const hash : {&first, &copied, &assigned, &moved})
         {
             EXPECT_EQ(hash->GetEnumType(), type);
             EXPECT_EQ(hash->StringHash().size(), 40u); // of the message before
-            EXPECT_THROW(hash->HexHash(), std::runtime_error);
+            EXPECT_EQ(ErrorOf([&] { hash->HexHash(); }), "Unfinished execution!");
             hash->Update(message.data() + 333, 667);
             hash->End();
-            EXPECT_EQ(hash->StringHash(), whole);
+
+            sha2 finished;
+            finished = std::move(*hash);
+            EXPECT_EQ(hash->HexHash(), whole);
+            EXPECT_EQ(finished.HexHash(), whole);
+            EXPECT_EQ(HexOfRaw(finished), whole);
         }
-    }
-}
-
-TEST(sha2Test, CopiesAnswerForTheDigest)
-{
-    sha2 first;
-    std::string const expected = first.GetHash(sha2::SHA384, nullptr, 0);
-    sha2 copied(first);
-    sha2 assigned;
-    assigned = std::move(copied);
-    for (sha2 const *const hash : {&first, &copied, &assigned})
-    {
-        EXPECT_EQ(hash->HexHash(), expected);
-        EXPECT_EQ(HexOfRaw(*hash), expected);
-    }
-}
-
-TEST(sha2Test, TypeNamesAndDigestLengths)
-{
-    char const *const names[TypeCount] = {"SHA160", "SHA224", "SHA256", "SHA384", "SHA512"};
-    int const lengths[TypeCount] = {20, 28, 32, 48, 64};
-    sha2 hash;
-    EXPECT_STREQ(hash.GetTypeString(), "Unknown!");
-    EXPECT_EQ(hash.GetEnumType(), sha2::NONE);
-    EXPECT_FALSE(hash.IsBigEndian());
-    for (std::size_t type = 0; type < TypeCount; ++type)
-    {
-        hash.GetHash(AllTypes[type], nullptr, 0);
-        EXPECT_STREQ(hash.GetTypeString(), names[type]);
-        EXPECT_EQ(hash.GetEnumType(), AllTypes[type]);
-        int length = -1;
-        hash.RawHash(length);
-        EXPECT_EQ(length, lengths[type]);
     }
 }
 
@@ -234,23 +170,21 @@ TEST(sha2Test, InvalidTypeLeavesTheObjectAsItWas)
         EXPECT_EQ(hash.HexHash(), expected);
         EXPECT_EQ(hash.GetEnumType(), sha2::SHA256);
     }
-    EXPECT_EQ(hash.GetHash(sha2::SHA256, &byte, 1), expected);
 }
 
 TEST(sha2Test, DigestIsClosedUntilTheEnd)
 {
     sha2 hash;
-    int length = 77;
-    EXPECT_EQ(ErrorOf([&] { hash.HexHash(); }), "Unfinished execution!");
-    EXPECT_EQ(ErrorOf([&] { hash.RawHash(length); }), "Unfinished execution!");
-    EXPECT_EQ(length, 77);
     EXPECT_EQ(hash.StringHash(), "");
+    for (sha2::SHA_TYPE const next : {sha2::SHA512, sha2::SHA1})
+    {
+        int length = 77;
+        EXPECT_EQ(ErrorOf([&] { hash.HexHash(); }), "Unfinished execution!");
+        EXPECT_EQ(ErrorOf([&] { hash.RawHash(length); }), "Unfinished execution!");
+        EXPECT_EQ(length, 77);
 
-    std::string const before = hash.GetHash(sha2::SHA1, nullptr, 0);
-    hash.Init(sha2::SHA512);
-    EXPECT_EQ(ErrorOf([&] { hash.HexHash(); }), "Unfinished execution!");
-    EXPECT_EQ(ErrorOf([&] { hash.RawHash(length); }), "Unfinished execution!");
-    EXPECT_EQ(hash.StringHash(), before); // only End replaces it
-    hash.End();
-    EXPECT_EQ(hash.StringHash().size(), 128u);
+        std::string const before = hash.GetHash(sha2::SHA384, nullptr, 0);
+        hash.Init(next);
+        EXPECT_EQ(hash.StringHash(), before); // only End replaces it
+    }
 }

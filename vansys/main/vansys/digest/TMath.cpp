@@ -53,10 +53,9 @@ double round2(double x, short digits) noexcept
 {
     double const scale = digits >= 0 && digits < PowerCount ? PowersOfTen[digits] : std::pow(10.0, digits);
 
-    // A statement of its own: fused with the addition below, the product would not be rounded to a double,
-    // and machines with a fused multiply-add would find other halves than those without.
+    // Both steps round to a double. Fused to one, which the build rules out, they would find other halves.
     double const scaled = x * scale;
-    double const rounded = x >= 0.0 ? std::floor(scaled + 0.5) : std::ceil(scaled - 0.5);
+    double const rounded = std::trunc(scaled + std::copysign(0.5, x));
     double const result = rounded / scale;
     return result == 0.0 ? 0.0 : result; // -0.0 == 0.0
 }
