@@ -8,6 +8,7 @@
 
 #include "support/FutexCalls.h"
 #include "support/SleepingThread.h"
+#include "support/StoppedClock.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +21,7 @@
 #include <thread>
 
 using namespace std::chrono_literals;
-using vansys::detail::FutexClock;
+using vansys::detail::Clock;
 using vansys::detail::FutexWaitUntil;
 using vansys::detail::FutexWord;
 
@@ -28,14 +29,32 @@ TEST(Futex, WaitsForChangeOrDeadline)
 {
     FutexWord const word{7};
     errno = 12345;
-    EXPECT_TRUE(FutexWaitUntil(word, 8, FutexClock::now() + 1h)) << "the word is another one";
-    EXPECT_FALSE(FutexWaitUntil(word, 7, FutexClock::now() - 1s));
-    EXPECT_FALSE(FutexWaitUntil(word, 7, FutexClock::time_point(-1s)));
-    auto const start = FutexClock::now();
+    EXPECT_TRUE(FutexWaitUntil(word, 8, Clock::Now() + 1h)) << "the word is another one";
+    EXPECT_FALSE(FutexWaitUntil(word, 7, Clock::Now() - 1s));
+    EXPECT_FALSE(FutexWaitUntil(word, 7, Clock::TimePoint(-1s)));
+    auto const start = std::chrono::steady_clock::now();
     while (FutexWaitUntil(word, 7, start + 20ms))
         ;
-    EXPECT_GE(FutexClock::now() - start, 20ms);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 20ms);
     EXPECT_EQ(errno, 12345);
+}
+
+TEST(Futex, WaitEndsWhenTheClockShowsTheDeadline)
+{
+    StoppedClock clock;
+    auto const semaphore = TSemaphore::Construct(0);
+    std::atomic<bool> isOver{false};
+    SleepingThread const thread(
+        [&]
+        {
+            EXPECT_FALSE(semaphore->TryAcquire(3600'000));
+            isOver = true;
+        });
+    thread.WaitUntilAsleep();
+    clock.Advance(1h - 1ns);
+    thread.WaitUntilAsleep();
+    EXPECT_FALSE(isOver);
+    clock.Advance(1ns);
 }
 
 TEST(Futex, IsNotCalledWhileNobodyWaits)
@@ -197,7 +216,7 @@ TEST_F(Interruptions, DoNotEndWaits)
 TEST_F(Interruptions, DoNotMoveDeadlines)
 {
     auto const semaphore = TSemaphore::Construct(0);
-    auto const start = FutexClock::now();
+    auto const start = Clock::Now();
     std::atomic<bool> isOver{false};
     std::thread thread(
         [&]
@@ -208,7 +227,7 @@ TEST_F(Interruptions, DoNotMoveDeadlines)
         });
     while (!isOver)
         Interrupt(thread.native_handle());
-    EXPECT_GE(FutexClock::now() - start, 100ms);
+    EXPECT_GE(Clock::Now() - start, 100ms);
     isOver = false;
     isOver.notify_one();
     thread.join();

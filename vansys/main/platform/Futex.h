@@ -11,8 +11,8 @@
 #pragma once
 
 #include "main/platform/Atomic.h"
+#include "main/platform/Clock.h"
 
-#include <chrono>
 #include <cstdint>
 
 namespace vansys::detail
@@ -21,15 +21,12 @@ namespace vansys::detail
 /// Shared by the threads of one process.
 using FutexWord = Atomic<std::uint32_t>;
 
-/// The clock of the deadlines: monotonic, and not moved when the time of day is set. A deadline is absolute,
-/// so that a wait that goes on after a signal handler or a wake-up for no reason is not prolonged.
-using FutexClock = std::chrono::steady_clock;
-
 /// Sleeps while the word is `expected`, until woken.
 void FutexWait(FutexWord const &word, std::uint32_t expected) noexcept;
 
-/// The same, until the deadline at most. Returns false when the deadline has passed.
-bool FutexWaitUntil(FutexWord const &word, std::uint32_t expected, FutexClock::time_point deadline) noexcept;
+/// The same, until the deadline at most. Returns false when the deadline has passed. It is absolute, so that
+/// a wait that goes on after a signal handler or a wake-up for no reason is not prolonged.
+bool FutexWaitUntil(FutexWord const &word, std::uint32_t expected, Clock::TimePoint deadline) noexcept;
 
 /// Wakes one of the threads that sleep on the word.
 void FutexWakeOne(FutexWord const &word) noexcept;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <ctime>
 #include <linux/futex.h>
@@ -35,14 +36,7 @@ bool Wait(FutexWord const &word, std::uint32_t expected, timespec const *deadlin
     return Futex(word, FUTEX_WAIT_BITSET, expected, deadline) != ETIMEDOUT;
 }
 
-} // namespace
-
-void FutexWait(FutexWord const &word, std::uint32_t expected) noexcept
-{
-    Wait(word, expected, nullptr);
-}
-
-bool FutexWaitUntil(FutexWord const &word, std::uint32_t expected, FutexClock::time_point deadline) noexcept
+bool WaitUntil(FutexWord const &word, std::uint32_t expected, Clock::TimePoint deadline) noexcept
 {
     using namespace std::chrono;
     // The kernel refuses times before the start of the clock instead of taking them as passed.
@@ -52,6 +46,29 @@ bool FutexWaitUntil(FutexWord const &word, std::uint32_t expected, FutexClock::t
     limit.tv_sec = static_cast<time_t>(whole.count());
     limit.tv_nsec = static_cast<long>((sinceStart - whole).count());
     return Wait(word, expected, &limit);
+}
+
+/// The kernel does not know that clock, so the thread gets up now and then and looks at it.
+bool WaitByStoppedClock(FutexWord const &word, std::uint32_t expected, Clock::TimePoint deadline) noexcept
+{
+    if (Clock::Now() >= deadline)
+        return false;
+    WaitUntil(word, expected, std::chrono::steady_clock::now() + std::chrono::milliseconds(1));
+    return true;
+}
+
+} // namespace
+
+void FutexWait(FutexWord const &word, std::uint32_t expected) noexcept
+{
+    Wait(word, expected, nullptr);
+}
+
+bool FutexWaitUntil(FutexWord const &word, std::uint32_t expected, Clock::TimePoint deadline) noexcept
+{
+    if (Clock::IsStopped()) [[unlikely]]
+        return WaitByStoppedClock(word, expected, deadline);
+    return WaitUntil(word, expected, deadline);
 }
 
 void FutexWakeOne(FutexWord const &word) noexcept

@@ -1,5 +1,6 @@
 #include "main/synchronize/EventBackEnd.h"
 
+#include "main/platform/Clock.h"
 #include "main/platform/Futex.h"
 #include "main/platform/SpinWait.h"
 
@@ -16,13 +17,13 @@ namespace vansys::detail
 namespace
 {
 
-using Deadline = std::optional<FutexClock::time_point>;
+using Deadline = std::optional<Clock::TimePoint>;
 
 Deadline DeadlineAfter(std::uint32_t milliseconds)
 {
     if (milliseconds == EventBackEnd::Infinite)
         return {};
-    return FutexClock::now() + std::chrono::milliseconds(milliseconds);
+    return Clock::Now() + std::chrono::milliseconds(milliseconds);
 }
 
 /// Returns false when the deadline has passed.

@@ -1,10 +1,12 @@
 #include "vansys/TSemaphore.h"
 
 #include "main/platform/Atomic.h"
+#include "main/platform/Clock.h"
 #include "main/platform/Futex.h"
 #include "main/synchronize/SemaphoreFailure.h"
 
 #include <cerrno>
+#include <chrono>
 
 using namespace vansys::detail;
 
@@ -38,7 +40,7 @@ public:
             SleepAndTake();
             return true;
         }
-        return SleepAndTakeUntil(FutexClock::now() + std::chrono::milliseconds(timeoutMs));
+        return SleepAndTakeUntil(Clock::Now() + std::chrono::milliseconds(timeoutMs));
     }
 
     void Acquire() override
@@ -83,7 +85,7 @@ private:
         m_sleepers.fetch_sub(1, std::memory_order_relaxed);
     }
 
-    bool SleepAndTakeUntil(FutexClock::time_point deadline) noexcept
+    bool SleepAndTakeUntil(Clock::TimePoint deadline) noexcept
     {
         m_sleepers.fetch_add(1, std::memory_order_seq_cst);
         bool taken = TryTake();
