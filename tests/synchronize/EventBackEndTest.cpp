@@ -34,13 +34,13 @@ public:
     void Set()
     {
         std::lock_guard const lock(m_mutex);
-        ++m_signals;
-        if (m_isManual || m_waiting == 0)
-            m_isSet = true;
-        else
+        m_isSet = m_isManual || m_waiting.empty();
+        while (!m_waiting.empty())
         {
-            --m_waiting;
-            ++m_releases;
+            *m_waiting.front() = true;
+            m_waiting.pop_front();
+            if (!m_isManual)
+                break;
         }
         m_condition.notify_all();
     }
@@ -59,20 +59,15 @@ public:
             m_isSet = m_isManual;
             return true;
         }
-        ++m_waiting;
-        int const before = m_signals;
-        auto const isReleased = [&] { return m_isManual ? m_signals != before : m_releases > 0; };
+        bool isReleased = false;
+        m_waiting.push_back(&isReleased);
         auto const limit = std::chrono::system_clock::now() + std::chrono::milliseconds(milliseconds);
-        bool released = true;
         if (milliseconds == Infinite)
-            m_condition.wait(lock, isReleased);
+            m_condition.wait(lock, [&] { return isReleased; });
         else
-            released = m_condition.wait_until(lock, limit, isReleased);
-        if (m_isManual || !released)
-            --m_waiting;
-        else
-            --m_releases;
-        return released;
+            m_condition.wait_until(lock, limit, [&] { return isReleased; });
+        m_waiting.remove(&isReleased);
+        return isReleased;
     }
 
 private:
@@ -80,9 +75,7 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_condition;
     bool m_isSet = false;
-    int m_signals = 0;
-    int m_waiting = 0;
-    int m_releases = 0;
+    std::list<bool *> m_waiting; // each points at what the thread is told
 };
 
 template <class BackEnd>
@@ -151,6 +144,28 @@ TYPED_TEST(EventBackEndTest, ReleasesSleepingThreads)
         }
         EXPECT_EQ(released, 3);
         EXPECT_FALSE(event.Wait(0));
+    }
+}
+
+// Neither a thread that comes later nor `Reset` takes a release away from a thread that was there before.
+TYPED_TEST(EventBackEndTest, ReleasesBelongToThoseWhoWaited)
+{
+    for (int round = 0; round < 10; ++round)
+    {
+        int const sleepers = 1 + round % 2;
+        TypeParam event(EventReset::Auto);
+        std::list<SleepingThread> threads;
+        for (int i = 0; i < sleepers; ++i)
+            threads.emplace_back([&event] { EXPECT_TRUE(event.Wait(Infinite)); });
+        for (SleepingThread const &thread : threads)
+            thread.WaitUntilAsleep();
+        for (int i = 0; i < sleepers; ++i)
+            event.Set();
+        event.Reset();
+        bool const isTaken = event.Wait(20);
+        EXPECT_FALSE(isTaken) << "with " << sleepers << " sleepers";
+        if (isTaken)
+            event.Set(); // for the one who was left behind
     }
 }
 

@@ -5,11 +5,10 @@
 #include "main/platform/SpinWait.h"
 
 #include <chrono>
+#include <mutex>
 #include <optional>
 
-// Operations without a stated order are sequentially consistent, as the header promises and as counting the
-// waiting threads needs: a thread that is about to sleep counts itself and then looks at the state; `Set`
-// changes the state and then looks at the count. One of them sees the other.
+// Operations without a stated order are sequentially consistent, as the header promises.
 
 namespace vansys::detail
 {
@@ -35,73 +34,78 @@ bool Sleep(FutexWord const &word, std::uint32_t expected, Deadline const &deadli
     return true;
 }
 
-/// `state` counts the changes between set and not set, so it is odd while the event is set. A waiting thread
-/// is released by any change of it: the event has been set since, even when it is not set any more.
-/// `count` is the number of threads that sleep or are about to.
-struct ManualReset
+/// Held for a few steps at a time, and only where threads wait. A thread that finds it taken sleeps: were it
+/// to spin, it could keep a holder of lower priority from going on.
+class QueueLock
 {
-    EventWords &words;
-
-    /// Returns the word on which threads sleep, or null when none does.
-    FutexWord const *Set()
+public:
+    void lock()
     {
-        words.state.fetch_or(1);
-        return words.count.load() != 0 ? &words.state : nullptr;
+        std::uint32_t expected = Free;
+        if (m_word.compare_exchange_strong(expected, Held))
+            return;
+        while (m_word.exchange(HeldWithSleepers) != Free)
+            FutexWait(m_word, HeldWithSleepers);
+    }
+
+    void unlock()
+    {
+        if (m_word.exchange(Free) == HeldWithSleepers)
+            FutexWakeOne(m_word);
+    }
+
+private:
+    static constexpr std::uint32_t Free = 0;
+    static constexpr std::uint32_t Held = 1;
+    static constexpr std::uint32_t HeldWithSleepers = 2;
+
+    FutexWord m_word{Free};
+};
+
+/// A thread that waits; lies on its stack, and is gone as soon as it may see that it is released.
+struct Waiter
+{
+    FutexWord isReleased{0};
+    bool isQueued = false; // like the links, guarded by the lock of the queue
+    Waiter *previous = nullptr;
+    Waiter *next = nullptr;
+};
+
+} // namespace
+
+/// While nobody waits, an event is one word. Threads that wait are in a queue, and a release names the one
+/// that it is for: so nobody who comes later can take it. While the queue has threads, the word says so and
+/// nothing else, and only a holder of the lock changes it.
+class EventBackEnd::State
+{
+public:
+    explicit State(EventReset reset) : m_reset(reset) {}
+
+    void Set()
+    {
+        std::uint32_t word = m_word.load();
+        for (;;)
+        {
+            if (word != HasWaiters)
+            {
+                if (m_word.compare_exchange_weak(word, IsSet))
+                    return;
+            }
+            else if (Waiter *const released = Dequeue())
+            {
+                Release(released);
+                return;
+            }
+            else
+                word = m_word.load();
+        }
     }
 
     void Reset()
     {
-        std::uint32_t state = words.state.load();
-        while (state % 2 != 0 && !words.state.compare_exchange_weak(state, state + 1))
-        {
-        }
+        std::uint32_t expected = IsSet;
+        m_word.compare_exchange_strong(expected, NotSet);
     }
-
-    bool Wait(std::uint32_t milliseconds)
-    {
-        std::uint32_t const before = words.state.load();
-        if (before % 2 != 0)
-            return true;
-        if (milliseconds == 0)
-            return false;
-
-        Deadline const deadline = DeadlineAfter(milliseconds);
-        auto const hasChanged = [&] { return words.state.load() != before; };
-        if (SpinWhileItPays(hasChanged))
-            return true;
-        words.count.fetch_add(1);
-        while (!hasChanged() && Sleep(words.state, before, deadline))
-        {
-        }
-        words.count.fetch_sub(1);
-        return hasChanged();
-    }
-};
-
-/// `state` is 1 while the event is set, else twice the number of threads that wait and have not been
-/// released. `count` is the number of threads that have been released and do not know it yet; any waiting
-/// thread may take a release for its own.
-struct AutoReset
-{
-    EventWords &words;
-
-    static constexpr std::uint32_t IsSet = 1;
-    static constexpr std::uint32_t OneWaiting = 2;
-
-    void Set()
-    {
-        std::uint32_t state = words.state.load();
-        while (!words.state.compare_exchange_weak(state, state < OneWaiting ? IsSet : state - OneWaiting))
-        {
-        }
-        if (state >= OneWaiting)
-        {
-            words.count.fetch_add(1);
-            FutexWakeOne(words.count);
-        }
-    }
-
-    void Reset() { Take(); }
 
     bool Wait(std::uint32_t milliseconds)
     {
@@ -110,92 +114,130 @@ struct AutoReset
         if (milliseconds == 0)
             return false;
 
-        Deadline const deadline = DeadlineAfter(milliseconds);
-        if (SpinWhileItPays([this] { return Take(); }) || TakeOrQueue())
+        Deadline deadline = DeadlineAfter(milliseconds);
+        Waiter self;
+        if (SpinWhileItPays([this] { return Take(); }) || !Enqueue(self))
             return true;
-        while (!TakeRelease())
+        while (self.isReleased.load() == 0)
         {
-            if (!Sleep(words.count, 0, deadline) && Leave())
+            if (Sleep(self.isReleased, 0, deadline))
+                continue;
+            if (Leave(self))
                 return false;
+            deadline.reset(); // the release is on its way
         }
         return true;
     }
 
+private:
+    static constexpr std::uint32_t NotSet = 0;
+    static constexpr std::uint32_t IsSet = 1;
+    static constexpr std::uint32_t HasWaiters = 2;
+
     bool Take()
     {
-        std::uint32_t expected = IsSet;
-        return words.state.load() == IsSet && words.state.compare_exchange_strong(expected, 0);
+        std::uint32_t word = m_word.load();
+        return word == IsSet &&
+               (m_reset == EventReset::Manual || m_word.compare_exchange_strong(word, NotSet));
     }
 
-    bool TakeOrQueue()
+    /// Takes the signal instead, and returns false, if there is one now.
+    bool Enqueue(Waiter &self)
     {
-        std::uint32_t state = words.state.load();
-        while (!words.state.compare_exchange_weak(state, state == IsSet ? 0 : state + OneWaiting))
+        std::uint32_t const afterTaking = m_reset == EventReset::Manual ? IsSet : NotSet;
+        std::lock_guard const lock(m_lock);
+        std::uint32_t word = m_word.load();
+        while (!m_word.compare_exchange_weak(word, word == IsSet ? afterTaking : HasWaiters))
         {
         }
-        return state == IsSet;
+        if (word == IsSet)
+            return false;
+        self.isQueued = true;
+        self.previous = m_last;
+        (m_last ? m_last->next : m_first) = &self;
+        m_last = &self;
+        return true;
     }
 
-    bool TakeRelease()
+    /// Takes those out of the queue whom a signal releases: a list, linked by `next`. Null when the queue has
+    /// become empty.
+    Waiter *Dequeue()
     {
-        std::uint32_t releases = words.count.load();
-        while (releases != 0 && !words.count.compare_exchange_weak(releases, releases - 1))
+        std::lock_guard const lock(m_lock);
+        if (m_word.load() != HasWaiters)
+            return nullptr;
+        Waiter *const released = m_first;
+        if (m_reset == EventReset::Auto)
         {
+            Unlink(*released);
+            released->next = nullptr;
+            if (!m_first)
+                m_word.store(NotSet);
+            return released;
         }
-        return releases != 0;
+        for (Waiter *waiter = released; waiter; waiter = waiter->next)
+            waiter->isQueued = false;
+        m_first = m_last = nullptr;
+        m_word.store(IsSet);
+        return released;
     }
 
-    /// Undoes the queueing. Fails while all waiting threads have been released: then a release for this one
-    /// is there, or is being written at this moment. A thread that comes later may take it first, and wait in
-    /// its place; so the next attempt may succeed.
-    bool Leave()
+    /// Outside of the lock, so that those who are woken do not run into it.
+    static void Release(Waiter *waiter)
     {
-        std::uint32_t state = words.state.load();
-        while (state >= OneWaiting && !words.state.compare_exchange_weak(state, state - OneWaiting))
+        while (waiter)
         {
+            Waiter *const next = waiter->next;
+            FutexWord &isReleased = waiter->isReleased;
+            isReleased.store(1);
+            FutexWakeOne(isReleased); // by its address only
+            waiter = next;
         }
-        return state >= OneWaiting;
     }
+
+    /// Returns false when the thread is in the queue no more, and so is being released.
+    bool Leave(Waiter &self)
+    {
+        std::lock_guard const lock(m_lock);
+        if (!self.isQueued)
+            return false;
+        Unlink(self);
+        if (!m_first)
+            m_word.store(NotSet);
+        return true;
+    }
+
+    void Unlink(Waiter &waiter)
+    {
+        waiter.isQueued = false;
+        (waiter.previous ? waiter.previous->next : m_first) = waiter.next;
+        (waiter.next ? waiter.next->previous : m_last) = waiter.previous;
+    }
+
+    FutexWord m_word{NotSet};
+    QueueLock m_lock; // guards the queue
+    Waiter *m_first = nullptr;
+    Waiter *m_last = nullptr;
+    EventReset const m_reset;
 };
 
-} // namespace
+EventBackEnd::EventBackEnd(EventReset reset) noexcept : m_state(reset) {}
 
-EventBackEnd::EventBackEnd(EventReset reset) noexcept : m_reset(reset), m_words() {}
-
-EventBackEnd::~EventBackEnd() {}
+EventBackEnd::~EventBackEnd() = default;
 
 void EventBackEnd::Set() noexcept
 {
-    if (m_reset == EventReset::Manual)
-        Wake(SetWithoutWaking());
-    else
-        AutoReset{m_words}.Set();
-}
-
-void const *EventBackEnd::SetWithoutWaking() noexcept
-{
-    return ManualReset{m_words}.Set();
-}
-
-void EventBackEnd::Wake(void const *sleepers) noexcept
-{
-    if (sleepers)
-        FutexWakeAll(*static_cast<FutexWord const *>(sleepers));
+    m_state->Set();
 }
 
 void EventBackEnd::Reset() noexcept
 {
-    if (m_reset == EventReset::Manual)
-        ManualReset{m_words}.Reset();
-    else
-        AutoReset{m_words}.Reset();
+    m_state->Reset();
 }
 
 bool EventBackEnd::Wait(std::uint32_t milliseconds) noexcept
 {
-    if (m_reset == EventReset::Manual)
-        return ManualReset{m_words}.Wait(milliseconds);
-    return AutoReset{m_words}.Wait(milliseconds);
+    return m_state->Wait(milliseconds);
 }
 
 } // namespace vansys::detail

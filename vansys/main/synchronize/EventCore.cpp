@@ -8,38 +8,24 @@
 namespace vansys::detail
 {
 
-/// A walk over the callbacks. Created before the lock is taken, so that it ends after the release.
+/// A walk over the callbacks, under the mutex. The outermost one hands over the retired callbacks at its end.
 class EventCore::Walk
 {
 public:
-    Walk() noexcept : m_outer(std::exchange(t_innermost, this)) {}
+    Walk(EventCore &core, decltype(m_retired) &retired) : m_core(core), m_taken(retired) { ++m_core.m_walks; }
     Walk(Walk const &) = delete;
     Walk &operator=(Walk const &) = delete;
 
     ~Walk()
     {
-        t_innermost = m_outer;
-        EventBackEnd::Wake(m_sleepers);
+        if (--m_core.m_walks == 0)
+            m_taken.swap(m_core.m_retired);
     }
 
-    /// Of this thread, or null.
-    static Walk *Innermost() noexcept { return t_innermost; }
-
-    /// The key of the callback that is running.
-    void *m_key = nullptr;
-
-    /// Has them woken when the walk is over. Others before them are woken now: one late wake is enough for
-    /// the usual case, that of a single thread.
-    void WakeLate(void const *sleepers) noexcept { EventBackEnd::Wake(std::exchange(m_sleepers, sleepers)); }
-
 private:
-    static thread_local Walk *t_innermost;
-
-    Walk *const m_outer;
-    void const *m_sleepers = nullptr;
+    EventCore &m_core;
+    decltype(m_retired) &m_taken;
 };
-
-thread_local constinit EventCore::Walk *EventCore::Walk::t_innermost = nullptr;
 
 void EventCore::Signal()
 {
@@ -51,48 +37,49 @@ void EventCore::Signal()
         RunCallbacks();
 }
 
+// What a callback owns may run code of its own when it is destroyed, and may even come back to this event or
+// take other locks. So each of the functions below lets go of the mutex before it lets go of a callback: what
+// it keeps them in is declared before the lock is taken.
+
 void EventCore::RunCallbacks()
 {
-    Walk walk;
+    decltype(m_retired) retired;
     std::lock_guard const lock(m_mutex);
+    Walk const walk(*this, retired);
     // By key, as each callback may change the table.
     for (auto next = m_callbacks.begin(); next != m_callbacks.end();)
     {
-        walk.m_key = next->first;
-        std::shared_ptr<Callback> const callback = next->second;
-        (*callback)();
-        next = m_callbacks.upper_bound(walk.m_key);
+        void *const key = next->first;
+        next->second();
+        next = m_callbacks.upper_bound(key);
     }
 }
 
-void EventCore::SetForRemover(EventBackEnd &event, void const *key)
-{
-    Walk *const walk = Walk::Innermost();
-    // A callback may be called by something else than this walk, which then may go on for longer than those
-    // threads have to wait for the lock.
-    if (walk && walk->m_key == key)
-        walk->WakeLate(event.SetWithoutWaking());
-    else
-        event.Set();
-}
-
-// What a callback owns may run code of its own when it is destroyed. Both functions below therefore let go of
-// the mutex before they let go of the callback that was in the table.
-
 void EventCore::AddOnSignalCallback(void *key, std::function<void()> callback)
 {
-    auto entry = std::make_shared<Callback>(std::move(callback));
+    Table table; // all memory is allocated here
+    table.emplace(key, std::move(callback));
+    Table::node_type replaced;
     std::lock_guard const lock(m_mutex);
-    m_callbacks[key].swap(entry);
+    replaced = Extract(key);
+    m_callbacks.insert(table.extract(table.begin()));
     m_callbackCount.store(m_callbacks.size());
 }
 
 void EventCore::RemoveOnSignalCallback(void *key)
 {
-    decltype(m_callbacks)::node_type entry;
+    Table::node_type removed;
     std::lock_guard const lock(m_mutex);
-    entry = m_callbacks.extract(key);
+    removed = Extract(key);
     m_callbackCount.store(m_callbacks.size());
+}
+
+EventCore::Table::node_type EventCore::Extract(void *key)
+{
+    Table::node_type callback = m_callbacks.extract(key);
+    if (m_walks != 0 && callback)
+        m_retired.insert(std::move(callback));
+    return callback;
 }
 
 std::uint32_t EventCore::CheckedMilliseconds(std::chrono::milliseconds timeout)

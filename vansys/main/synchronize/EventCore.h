@@ -11,8 +11,6 @@
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <memory>
-#include <vector>
 
 namespace vansys::detail
 {
@@ -37,28 +35,25 @@ public:
     void AddOnSignalCallback(void *key, std::function<void()> callback);
     void RemoveOnSignalCallback(void *key);
 
-    /// Sets `event`, on behalf of the callback of `key`. When it is called by that callback, the threads that
-    /// sleep on the event are woken only after the lock of the callbacks has been released. For threads that
-    /// go on to remove the callback, so that they do not run into that lock.
-    static void SetForRemover(EventBackEnd &event, void const *key);
-
     /// The time limit as a back end takes it. Asserts that it is not negative.
     static std::uint32_t CheckedMilliseconds(std::chrono::milliseconds timeout);
 
 private:
-    using Callback = std::function<void()>;
+    using Table = std::map<void *, std::function<void()>>; // by address of the key
 
     class Walk;
 
     void RunCallbacks();
 
+    /// Takes the callback out of the table. Returns it, or keeps it if it may be running.
+    Table::node_type Extract(void *key);
+
     EventBackEnd m_backEnd;
-    TRecursiveMutex m_mutex; // guards m_callbacks, and is held while they run
-    // By address of the key. Shared, so that a callback that takes itself out of the table lives until it
-    // returns; and never copied, as a callback may change its own state from one signal to the next.
-    std::map<void *, std::shared_ptr<Callback>> m_callbacks;
+    TRecursiveMutex m_mutex; // guards what follows, and is held while the callbacks run
+    Table m_callbacks;
+    int m_walks = 0;                                        // under way, one within the other
+    std::multimap<void *, std::function<void()>> m_retired; // taken out of the table meanwhile
     Atomic<std::size_t> m_callbackCount{0}; // changed with m_callbacks, read without the mutex
-    std::vector<void *> m_pointers;         // reserved: nothing fills it
 };
 
 } // namespace vansys::detail
