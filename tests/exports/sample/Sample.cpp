@@ -1,4 +1,4 @@
-// Defines what Sample.h declares. Each macro plants one fault.
+// Defines what Sample.h declares. Each macro plants one fault; what is missing then is used nowhere.
 
 #include "Sample.h"
 
@@ -6,73 +6,26 @@ namespace sample
 {
 
 #if !defined(MISSING_FUNCTION)
-void Free(std::vector<int>, char const *, char) {}
+void Free(std::string const &, std::size_t) {}
 #endif
-
-std::function<void(int, int)> Callback(void (*callback)(int, int))
-{
-    return callback;
-}
 
 #if !defined(MISSING_VARIABLE)
-int s_count = Template(Point::Dimensions, 0);
+int s_count = Template(Base::Constant);
 #endif
 
-double const Point::s_unit = 1;
+double const Base::s_unit = 1;
 
 void Unmarked() {}
 
-Base::Base(int value, int, char const *name) : m_value(value), m_names{name} {}
-
 Base::~Base() = default;
-
-int Base::Overload(int) const
-{
-    return 1;
-}
-
-int Base::Overload(int)
-{
-    return 2;
-}
-
+void Base::Overload(int) const {}
 #if !defined(MISSING_OVERLOAD)
-int Base::Overload(long)
-{
-    return 3;
-}
+void Base::Overload(long) const {}
 #endif
-
-std::string const &Base::Overload() const noexcept
-{
-    return m_names.front();
-}
-
-bool Base::operator()(int) const
-{
-    return true;
-}
-
-bool Base::operator<(Base const &other) const
-{
-    return m_value < other.m_value;
-}
-
-int &Base::operator[](int)
-{
-    return m_value;
-}
-
-Base::operator std::vector<std::string>() const
-{
-    return m_names;
-}
-
-Base::Nested::~Nested() = default;
 
 int Base::Nested::Pure() const
 {
-    return Inline();
+    return 0;
 }
 
 Partly::Partly()
@@ -82,12 +35,8 @@ Partly::Partly()
 
 void Partly::Internal() {}
 
-#if defined(LEAKED_FUNCTION)
-VANSYS_API void NotInAnyHeader() {}
-#endif
-
 #if defined(LEAKED_OVERLOAD)
-VANSYS_API void Free(int, int, int) {}
+VANSYS_API void Free(std::string const &, int) {}
 #endif
 
 #if defined(LEAKED_CLASS)
@@ -100,7 +49,7 @@ NotInAnyHeader::~NotInAnyHeader() = default;
 
 } // namespace sample
 
-std::size_t std::hash<sample::Point>::operator()(sample::Point const &) const noexcept
+std::size_t std::hash<sample::Partly>::operator()(sample::Partly const &) const noexcept
 {
     return 0;
 }
