@@ -6,8 +6,9 @@
 /// each is for; the details are ICU's.
 ///
 /// - **Status.** A call that gets a failure in `*status` does nothing and leaves it there, so that one test
-///   after several calls is enough. Initialise it with `U_ZERO_ERROR`. A warning is a success: test with
-///   `ICU_SUCCESS` and `ICU_FAILURE`. No function throws.
+///   after several calls is enough; what it returns then means nothing. (`t_uloc_getLocaleForLCID` alone
+///   looks at its status only to set it.) Initialise it with `U_ZERO_ERROR`. A warning is a success: test
+///   with `ICU_SUCCESS` and `ICU_FAILURE`. No function throws.
 /// - **Buffers.** A function that fills a buffer returns the length of the whole result, terminator excluded.
 ///   When the buffer is too short, the status is `U_BUFFER_OVERFLOW_ERROR`; when there is no room for the
 ///   terminator only, `U_STRING_NOT_TERMINATED_WARNING`. A null buffer with capacity 0 asks for the length.

@@ -33,7 +33,8 @@ VANSYS_API int t_uloc_getDisplayLanguage(char const *locale, char const *display
 /// The Windows identifier (LCID) of a locale; 0 when it has none.
 VANSYS_API unsigned int t_uloc_getLCID(char const *locale);
 
-/// The name of the locale with a Windows identifier.
+/// The name of the locale with a Windows identifier. It is looked up whatever `*status` is, which is only set
+/// when that fails.
 VANSYS_API int t_uloc_getLocaleForLCID(unsigned int lcid, char *locale, int capacity, ICUErrorCode *status);
 
 /// The ISO 4217 code of the currency that is used in the country of `locale`.
