@@ -1,34 +1,30 @@
 #include "vansys/ICULocale.h"
 
-#include "main/icu/Call.h"
 #include "main/icu/LocaleImpl.h"
 #include "main/icu/Text.h"
 
-#include <new>
-
-using vansys::detail::As;
+using vansys::detail::IcuStatus;
 using vansys::detail::LocaleAccess;
 using vansys::detail::ToText;
+using vansys::detail::Unwrap;
 using vansys::detail::WithSelectedFamily;
-
-namespace vansys::detail
-{
 
 icu::Locale const &LocaleAccess::Unwrap(VanICU::ICULocale const &locale) noexcept
 {
     using VanICU44::ICULocale44Impl;
     using VanICU55::ICULocale55Impl;
     if (auto const *const impl = std::any_cast<std::shared_ptr<ICULocale44Impl>>(&locale.m_impl))
-        return (*impl)->Wrapped();
-    return (*std::any_cast<std::shared_ptr<ICULocale55Impl>>(&locale.m_impl))->Wrapped();
+        return (*impl)->wrapped;
+    return (*std::any_cast<std::shared_ptr<ICULocale55Impl>>(&locale.m_impl))->wrapped;
 }
 
-} // namespace vansys::detail
+namespace VanICU
+{
 
 namespace
 {
 
-std::unique_ptr<VanICU::ICULocale> wrap(icu::Locale const &locale)
+std::unique_ptr<ICULocale> WrapLocale(icu::Locale const &locale)
 {
     return WithSelectedFamily([&](auto family) { return LocaleAccess::Wrap<decltype(family)>(locale); });
 }
@@ -37,9 +33,9 @@ std::unique_ptr<VanICU::ICULocale> wrap(icu::Locale const &locale)
 /// while others wait, and by the next one when making it throws; after a throw, MinGW's std::call_once never
 /// returns. It is never destroyed, so that it outlives every user.
 template <class Family, auto Get>
-VanICU::ICULocale const &namedOfFamily()
+ICULocale const &NamedOfFamily()
 {
-    static VanICU::ICULocale const *const locale = []
+    static ICULocale const *const locale = []
     {
         auto wrapped = LocaleAccess::Wrap<Family>(Get());
         if (!wrapped)
@@ -50,50 +46,42 @@ VanICU::ICULocale const &namedOfFamily()
 }
 
 template <auto Get>
-VanICU::ICULocale const &named()
+ICULocale const &Named()
 {
-    return WithSelectedFamily([](auto family) -> auto & { return namedOfFamily<decltype(family), Get>(); });
-}
-
-icu::Locale const &unwrap(VanICU::ICULocale const &locale) noexcept
-{
-    return LocaleAccess::Unwrap(locale);
+    return WithSelectedFamily([](auto family) -> auto & { return NamedOfFamily<decltype(family), Get>(); });
 }
 
 } // namespace
 
-namespace VanICU
-{
-
 std::unique_ptr<ICULocale> ICULocale::createInstance()
 {
-    return wrap(icu::Locale());
+    return WrapLocale(icu::Locale());
 }
 
 std::unique_ptr<ICULocale> ICULocale::createInstance(char const *language, char const *country,
                                                      char const *variant, char const *keywords)
 {
-    return wrap(icu::Locale(language, country, variant, keywords));
+    return WrapLocale(icu::Locale(language, country, variant, keywords));
 }
 
 std::unique_ptr<ICULocale> ICULocale::createFromName(char const *name)
 {
-    return wrap(icu::Locale::createFromName(name));
+    return WrapLocale(icu::Locale::createFromName(name));
 }
 
 std::unique_ptr<ICULocale> ICULocale::getDefault()
 {
-    return wrap(icu::Locale::getDefault());
+    return WrapLocale(icu::Locale::getDefault());
 }
 
 std::unique_ptr<ICULocale> ICULocale::getRoot()
 {
-    return wrap(icu::Locale::getRoot());
+    return WrapLocale(icu::Locale::getRoot());
 }
 
 void ICULocale::setDefault(ICULocale const &locale, ICUErrorCode &status)
 {
-    icu::Locale::setDefault(unwrap(locale), *As<UErrorCode *>(&status));
+    icu::Locale::setDefault(Unwrap(locale), IcuStatus(status));
 }
 
 std::vector<std::unique_ptr<ICULocale>> ICULocale::getAvailableLocales(int &count)
@@ -104,7 +92,7 @@ std::vector<std::unique_ptr<ICULocale>> ICULocale::getAvailableLocales(int &coun
     result.reserve(static_cast<std::size_t>(available));
     for (int i = 0; i < available; ++i)
     {
-        result.push_back(wrap(locales[i]));
+        result.push_back(WrapLocale(locales[i]));
         if (!result.back())
             throw std::bad_alloc();
     }
@@ -114,37 +102,37 @@ std::vector<std::unique_ptr<ICULocale>> ICULocale::getAvailableLocales(int &coun
 
 ICULocale const &ICULocale::getUS()
 {
-    return named<&icu::Locale::getUS>();
+    return Named<&icu::Locale::getUS>();
 }
 
 ICULocale const &ICULocale::getCanada()
 {
-    return named<&icu::Locale::getCanada>();
+    return Named<&icu::Locale::getCanada>();
 }
 
 ICULocale const &ICULocale::getCanadaFrench()
 {
-    return named<&icu::Locale::getCanadaFrench>();
+    return Named<&icu::Locale::getCanadaFrench>();
 }
 
 ICULocale const &ICULocale::getChina()
 {
-    return named<&icu::Locale::getChina>();
+    return Named<&icu::Locale::getChina>();
 }
 
 ICULocale const &ICULocale::getPRC()
 {
-    return named<&icu::Locale::getPRC>();
+    return Named<&icu::Locale::getPRC>();
 }
 
 ICULocale const &ICULocale::getJapan()
 {
-    return named<&icu::Locale::getJapan>();
+    return Named<&icu::Locale::getJapan>();
 }
 
 ICULocale const &ICULocale::getKorea()
 {
-    return named<&icu::Locale::getKorea>();
+    return Named<&icu::Locale::getKorea>();
 }
 
 ICULocale::ICULocale(std::any impl) noexcept : m_impl(std::move(impl)) {}
@@ -157,93 +145,93 @@ ICULocale::~ICULocale() = default;
 
 bool ICULocale::isBogus() const
 {
-    return unwrap(*this).isBogus();
+    return Unwrap(*this).isBogus();
 }
 
 char const *ICULocale::getName() const
 {
-    return unwrap(*this).getName();
+    return Unwrap(*this).getName();
 }
 
 char const *ICULocale::getBaseName() const
 {
-    return unwrap(*this).getBaseName();
+    return Unwrap(*this).getBaseName();
 }
 
 char const *ICULocale::getLanguage() const
 {
-    return unwrap(*this).getLanguage();
+    return Unwrap(*this).getLanguage();
 }
 
 char const *ICULocale::getScript() const
 {
-    return unwrap(*this).getScript();
+    return Unwrap(*this).getScript();
 }
 
 char const *ICULocale::getCountry() const
 {
-    return unwrap(*this).getCountry();
+    return Unwrap(*this).getCountry();
 }
 
 char const *ICULocale::getVariant() const
 {
-    return unwrap(*this).getVariant();
+    return Unwrap(*this).getVariant();
 }
 
 char const *ICULocale::getISO3Language() const
 {
-    return unwrap(*this).getISO3Language();
+    return Unwrap(*this).getISO3Language();
 }
 
 char const *ICULocale::getISO3Country() const
 {
-    return unwrap(*this).getISO3Country();
+    return Unwrap(*this).getISO3Country();
 }
 
 unsigned int ICULocale::getLCID() const
 {
-    return unwrap(*this).getLCID();
+    return Unwrap(*this).getLCID();
 }
 
 TStringCore ICULocale::getDisplayName() const
 {
     icu::UnicodeString name;
-    return ToText(unwrap(*this).getDisplayName(name));
+    return ToText(Unwrap(*this).getDisplayName(name));
 }
 
 TStringCore ICULocale::getDisplayName(ICULocale const &inLocale) const
 {
     icu::UnicodeString name;
-    return ToText(unwrap(*this).getDisplayName(unwrap(inLocale), name));
+    return ToText(Unwrap(*this).getDisplayName(Unwrap(inLocale), name));
 }
 
 TStringCore ICULocale::getDisplayLanguage() const
 {
     icu::UnicodeString language;
-    return ToText(unwrap(*this).getDisplayLanguage(language));
+    return ToText(Unwrap(*this).getDisplayLanguage(language));
 }
 
 TStringCore ICULocale::getDisplayLanguage(ICULocale const &inLocale) const
 {
     icu::UnicodeString language;
-    return ToText(unwrap(*this).getDisplayLanguage(unwrap(inLocale), language));
+    return ToText(Unwrap(*this).getDisplayLanguage(Unwrap(inLocale), language));
 }
 
 TStringCore ICULocale::getDisplayCountry() const
 {
     icu::UnicodeString country;
-    return ToText(unwrap(*this).getDisplayCountry(country));
+    return ToText(Unwrap(*this).getDisplayCountry(country));
 }
 
 TStringCore ICULocale::getDisplayCountry(ICULocale const &inLocale) const
 {
     icu::UnicodeString country;
-    return ToText(unwrap(*this).getDisplayCountry(unwrap(inLocale), country));
+    return ToText(Unwrap(*this).getDisplayCountry(Unwrap(inLocale), country));
 }
 
 bool ICULocale::equals(ICULocale const &other) const
 {
-    return unwrap(*this) == unwrap(other);
+    return Unwrap(*this) == Unwrap(other);
 }
 
 } // namespace VanICU

@@ -4,28 +4,23 @@
 
 #include "vansys/ICULocale.h"
 
-#include "main/icu/Family.h"
+#include "main/icu/Wrapper.h"
 
 #include <unicode/locid.h>
-
-#include <memory>
-#include <new>
-#include <utility>
 
 namespace vansys::detail
 {
 
-/// Owns a locale of ICU's on behalf of a family.
+/// A locale of ICU's on behalf of a family. No `Wrapper`, as ICULocale is a value that shares it.
 template <class Family>
-class LocaleImpl
+struct LocaleImpl
 {
-public:
-    explicit LocaleImpl(std::unique_ptr<icu::Locale> locale) noexcept : m_locale(std::move(locale)) {}
+    explicit LocaleImpl(icu::Locale const &locale) : wrapped(locale) {}
 
-    icu::Locale const &Wrapped() const noexcept { return *m_locale; }
+    LocaleImpl(LocaleImpl const &) = delete;
+    LocaleImpl &operator=(LocaleImpl const &) = delete;
 
-private:
-    std::unique_ptr<icu::Locale> m_locale; // never null
+    icu::Locale const wrapped;
 };
 
 /// What the interface of ICULocale does not show.
@@ -38,12 +33,11 @@ public:
     {
         try
         {
-            // ICU's own new gives null when there is no memory, and its copies become bogus.
-            std::unique_ptr<icu::Locale> copy(new icu::Locale(locale));
-            if (!copy || copy->isBogus() != locale.isBogus())
+            auto impl = std::make_shared<LocaleImpl<Family>>(locale);
+            // ICU's copies become bogus when there is no memory.
+            if (impl->wrapped.isBogus() != locale.isBogus())
                 return nullptr;
-            return std::unique_ptr<VanICU::ICULocale>(
-                new VanICU::ICULocale(std::make_shared<LocaleImpl<Family>>(std::move(copy))));
+            return std::unique_ptr<VanICU::ICULocale>(new VanICU::ICULocale(std::move(impl)));
         }
         catch (std::bad_alloc const &)
         {
@@ -51,18 +45,15 @@ public:
         }
     }
 
-    /// The locale that is wrapped; lasts as long as `locale` or one of its copies.
     static icu::Locale const &Unwrap(VanICU::ICULocale const &locale) noexcept;
 };
 
+/// The locale that is wrapped; lasts as long as `locale` or one of its copies.
+inline icu::Locale const &Unwrap(VanICU::ICULocale const &locale) noexcept
+{
+    return LocaleAccess::Unwrap(locale);
+}
+
 } // namespace vansys::detail
 
-namespace VanICU44
-{
-using ICULocale44Impl = vansys::detail::LocaleImpl<Family>;
-}
-
-namespace VanICU55
-{
-using ICULocale55Impl = vansys::detail::LocaleImpl<Family>;
-}
+VANSYS_NAME_IMPLEMENTATIONS(Locale)
