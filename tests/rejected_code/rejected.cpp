@@ -1,5 +1,6 @@
 // What the compiler must reject: one thing for each value of REJECTED, and for 0 nothing.
 
+#include "vansys/TCancelEvent.h"
 #include "vansys/TFormatLiteral.h"
 #include "vansys/TScanStringCore.h"
 
@@ -11,6 +12,13 @@ TStringCore const text = FormatText(u"%1 of %2", 1, Constant.text(u'x'));
 TStringCore const last = TFormatLiteral("%9").arg(1, 2).arg(TStringCore(u"a"), u'x' - u'a');
 TFormatStringCore const format = CheckedFormat(L"%1", text);
 TScanStringCore const scan(text);
+RefCntPtr<TCancelEvent, RefCntObject> const event(new TCancelEvent);
+void change()
+{
+    event->Add(RefCntPtr<TCancelEvent, RefCntObject>(new TCancelEvent));
+    event->Add(nullptr);
+    event->Remove(nullptr);
+}
 
 #elif REJECTED == 1
 TStringCore const text = FormatText(u"%0", 1);
@@ -50,4 +58,14 @@ TScanStringCore const scan(TStringCore(u"a"));
 #elif REJECTED == 12
 TWideTwin const twin[] = {0};
 TScanStringCore const scan(twin);
+#elif REJECTED == 13
+void add(TCancelEvent const &parent, TCancelEvent &local)
+{
+    parent.Add(&local);
+}
+#elif REJECTED == 14
+void remove(TCancelEvent const &parent, TCancelEvent *child)
+{
+    parent.Remove(child);
+}
 #endif

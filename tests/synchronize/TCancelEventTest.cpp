@@ -176,12 +176,13 @@ TEST_F(TCancelEventTest, CallbacksMayChangeTheChildren)
     parent->Add(first);
     parent->Add(second);
     TCancelEvent *const other = new TCancelEvent; // its place among them is not known
-    parent->Add(other);
+    parent->Add(Pointer(other));
     bool isOver = false;
     other->AddOnSignalCallback(this,
                                [this, other, &isOver]
                                {
-                                   m_events[0]->Remove(other); // the last reference but that of the walk
+                                   m_events[0]->Remove(
+                                       Pointer(other)); // the last reference but that of the walk
                                    isOver = true;
                                });
     OnSignal(1,

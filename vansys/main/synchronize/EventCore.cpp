@@ -85,7 +85,7 @@ EventCore::Table::node_type EventCore::Extract(void *key)
 std::uint32_t EventCore::CheckedMilliseconds(std::chrono::milliseconds timeout)
 {
     auto const count = timeout.count();
-    // The place by which hosts know this assertion, on every system.
+    // Under one name on every system, so that reports can be compared.
     if (count < 0)
         ThrowLogicException("vansys/main/synchronize/TEventBase_win", 65, "timeout.count() >= 0");
     // When a hook lets a negative count pass, its low bits count; all of them set, for -1, are no limit.

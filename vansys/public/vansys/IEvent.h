@@ -39,8 +39,8 @@
 ///   threads at once, and those of an auto-reset event may find the event taken by another thread already;
 /// - free to signal, reset, and look at the same event, and to add, replace and remove callbacks of it, their
 ///   own included. An entry that was removed or replaced before its turn does not run as it was; one that was
-///   added behind the current key runs in the same walk, one before it at the next signal. A callback that
-///   removes or replaces itself stays alive until it returns;
+///   added behind the current key runs in the same walk, one before it at the next signal. What is removed or
+///   replaced stays alive until the walk is over and the lock released, as it may be what is running;
 /// - an exception that leaves a callback ends the walk: the callbacks after it do not run, the lock is
 ///   released, and the exception leaves `Signal`. The event stays set.
 ///
@@ -90,13 +90,16 @@ public:
     /// read from it; take that of an object of your own.
     ///
     /// When the memory is not there (`std::bad_alloc`), the callbacks are as before. A function that was
-    /// replaced is destroyed by the thread that replaces it, after the lock has been released.
+    /// replaced is destroyed by the thread that replaces it, after the lock has been released: before this
+    /// returns, or at the end of `Signal` when a callback of the event has called this. So what it owns may
+    /// take locks of its own when it is destroyed, or come back to the event.
     virtual void AddOnSignalCallback(void *key, std::function<void()> callback) const = 0;
 
     /// Removes the callback of that key; a key without one is ignored.
     ///
     /// When it has returned, the callback is neither running nor will it be called: if it runs on another
     /// thread, this waits for its end. What it used may then be destroyed. Only where it is called by the
-    /// callback itself (or from within it), the callback goes on after the return. Never throws.
+    /// callback itself (or from within it), the callback goes on after the return. The function is destroyed
+    /// as one that was replaced. Never throws.
     virtual void RemoveOnSignalCallback(void *key) const = 0;
 };

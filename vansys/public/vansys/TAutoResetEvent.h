@@ -11,7 +11,8 @@ class EventCore;
 
 /// An auto-reset event: a signal lets one wait go on. `Signal` releases one of the threads that wait, and the
 /// event is not set then; when none waits, the event stays set until one `Wait` or `IsSet` returns true,
-/// which takes the signal.
+/// which takes the signal. A thread that has been released goes on: neither `Reset` nor a thread that
+/// comes to wait later takes that away from it.
 ///
 /// For handing on a turn or a piece of work. It does not count: a signal of an event that is set already
 /// changes nothing. Where each signal must be found again, use `TSemaphore`. Which of several waiting threads

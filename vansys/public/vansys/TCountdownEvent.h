@@ -14,6 +14,9 @@ class CountingEvent;
 ///
 /// For waiting until a known number of pieces of work are done, each of which signals once.
 ///
+/// Who waits must not leave the scope of the event, and so destroy it, as soon as `Wait` has returned: the
+/// last `Signal` may still be at work on it. Join the threads that signal first, or let them share the event.
+///
 /// The count is unsigned and not guarded at 0: a further signal makes it 4294967295, and the event stays set.
 /// Only `Reset` makes it usable again: it sets the count to its first value and the event to not set. An
 /// event that starts at 0 is not set, and no `Signal` sets it (the first brings the count to 4294967295).

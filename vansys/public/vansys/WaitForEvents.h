@@ -13,7 +13,9 @@
 ///   gone. So signal such an event only when somebody waits, or look at it with `IsSet` before the call.
 /// - One that is signalled after that counts, and the call takes the signal; also when the call fails, or
 ///   when another event has decided it already. If another wait takes the signal first, the event does not
-///   count in this call any more.
+///   count in this call any more, however often it is signalled. Of two calls that wait for the same event at
+///   the same time, one gets its signal, and the other goes on without this event: do not let several threads
+///   wait for an auto-reset event in this way.
 /// - At two positions, only one of them gets the signal, so that `WaitForAll` cannot succeed.
 ///
 /// Where every signal has to be found again, let one thread wait for each event, or use `TSemaphore`.
