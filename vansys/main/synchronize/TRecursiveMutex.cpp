@@ -1,11 +1,11 @@
 #include "vansys/TRecursiveMutex.h"
 
-#include "main/platform/CriticalSection.h"
+#include "main/platform/SystemHeader.h"
 
-class TRecursiveMutex::Implementation
+#include VANSYS_SYSTEM_HEADER(synchronize, RecursiveMutexBackEnd)
+
+class TRecursiveMutex::Implementation final : public vansys::detail::RecursiveMutexBackEnd
 {
-public:
-    vansys::detail::CriticalSection m_section;
 };
 
 TRecursiveMutex::TRecursiveMutex(unsigned int) : m_implementation(new Implementation) {}
@@ -17,25 +17,25 @@ TRecursiveMutex::~TRecursiveMutex()
 
 void TRecursiveMutex::Lock()
 {
-    m_implementation->m_section.lock();
+    m_implementation->Lock();
 }
 
 bool TRecursiveMutex::TryLock()
 {
-    return m_implementation->m_section.try_lock();
+    return m_implementation->TryLock();
 }
 
 void TRecursiveMutex::Unlock()
 {
-    m_implementation->m_section.unlock();
+    m_implementation->Unlock();
 }
 
 void TRecursiveMutex::LockRead()
 {
-    m_implementation->m_section.lock();
+    m_implementation->Lock();
 }
 
 void TRecursiveMutex::UnlockRead()
 {
-    m_implementation->m_section.unlock();
+    m_implementation->Unlock();
 }

@@ -1,12 +1,16 @@
-#include "vansys/TReadWriteLock.h"
+/// @file
+/// ReadWriteLockBackEnd of Linux: a word for readers and writers, and one for each kind of sleepers.
+#pragma once
 
 #include "main/platform/Atomic.h"
 #include "main/platform/Futex.h"
-#include "main/platform/SpinWait.h"
 #include "main/platform/ThreadIdentity.h"
 #include "main/synchronize/LockLimits.h"
 
-using namespace vansys::detail;
+#include <cstdint>
+
+namespace vansys::detail
+{
 
 /// One word counts the readers and says what the writers do. Where nobody has to wait, each operation is one
 /// change of this word.
@@ -20,7 +24,9 @@ using namespace vansys::detail;
 /// state to be one to wait for and marked so that it will be woken, and then sleeps unless the count has
 /// moved. Who changes the state moves the count afterwards if it finds the mark. Hence either the sleeper
 /// sees the new state, or the count moves after the sleeper has read it.
-class TReadWriteLock::Implementation
+///
+/// The ways without waiting are here to be inlined into what the library exports.
+class ReadWriteLockBackEnd
 {
 public:
     void Lock()
@@ -35,10 +41,7 @@ public:
             return;
         }
         if (!TryTake())
-        {
-            Claim();
-            WaitForReaders();
-        }
+            WaitAndTake();
         SetOwner(self);
     }
 
@@ -65,16 +68,8 @@ public:
         m_owner.store(nullptr, std::memory_order_relaxed);
         // What is left are read locks that the writer took inside its own.
         std::uint32_t const state = m_state.fetch_and(ReaderMask, std::memory_order_release);
-        if (state & ReadersSleep)
-        {
-            m_readersWoken.fetch_add(1, std::memory_order_release);
-            FutexWakeAll(m_readersWoken);
-        }
-        if (state & WritersSleep)
-        {
-            m_writersWoken.fetch_add(1, std::memory_order_release);
-            FutexWakeOne(m_writersWoken);
-        }
+        if (state & (ReadersSleep | WritersSleep))
+            WakeReadersAndWriter(state);
     }
 
     void LockRead()
@@ -85,7 +80,7 @@ public:
             if (TryAddReader(state))
                 return;
         }
-        LockReadSlowly();
+        WaitAndAddReader();
     }
 
     bool TryLockRead() noexcept
@@ -103,10 +98,7 @@ public:
     {
         std::uint32_t const state = m_state.fetch_sub(1, std::memory_order_release);
         if ((state & (ReaderMask | ClaimantSleeps)) == (1 | ClaimantSleeps))
-        {
-            m_claimantWoken.fetch_add(1, std::memory_order_release);
-            FutexWakeOne(m_claimantWoken);
-        }
+            WakeClaimant();
     }
 
 private:
@@ -154,81 +146,13 @@ private:
                                                std::memory_order_relaxed);
     }
 
-    /// Sleeps while the word has the bit `cause`, or for no reason. `mark` says in the word that somebody
-    /// does.
-    void SleepWhile(std::uint32_t cause, std::uint32_t mark, FutexWord const &woken) noexcept
-    {
-        std::uint32_t const before = woken.load(std::memory_order_acquire);
-        std::uint32_t state = m_state.load(std::memory_order_relaxed);
-        while (state & cause)
-        {
-            if ((state & mark) || TryChange(state, state | mark))
-            {
-                FutexWait(woken, before);
-                return;
-            }
-        }
-    }
-
-    /// Not inlined, so that the way without waiting saves no registers.
-    [[gnu::noinline]] void LockReadSlowly()
-    {
-        auto const mayRead = [this] { return MayRead(m_state.load(std::memory_order_relaxed)); };
-        for (;;)
-        {
-            std::uint32_t state = m_state.load(std::memory_order_relaxed);
-            if (!MayRead(state))
-            {
-                if (!SpinUntil(mayRead))
-                    SleepWhile(Exclusive, ReadersSleep, m_readersWoken);
-            }
-            else if ((state & ReaderMask) == MaxLockCount)
-            {
-                ReportTooManyReaders();
-                return;
-            }
-            else if (TryAddReader(state))
-                return;
-        }
-    }
-
-    /// Like a mutex that knows only whether it has sleepers: a writer that has slept claims the lock as one
-    /// for which others sleep, as it cannot know whether it was the last of them.
-    void Claim() noexcept
-    {
-        std::uint32_t claim = Claimed;
-        auto const isUnclaimed = [this] { return !(m_state.load(std::memory_order_relaxed) & Claimed); };
-        for (;;)
-        {
-            std::uint32_t state = m_state.load(std::memory_order_relaxed);
-            if (state & Claimed)
-            {
-                if (!SpinUntil(isUnclaimed))
-                {
-                    SleepWhile(Claimed, WritersSleep, m_writersWoken);
-                    claim = Claimed | WritersSleep;
-                }
-            }
-            else if (TryChange(state, state | claim))
-                return;
-        }
-    }
-
-    void WaitForReaders() noexcept
-    {
-        auto const isEmpty = [this] { return !HasReaders(m_state.load(std::memory_order_relaxed)); };
-        for (;;)
-        {
-            std::uint32_t state = m_state.load(std::memory_order_relaxed);
-            if (HasReaders(state))
-            {
-                if (!SpinUntil(isEmpty))
-                    SleepWhile(ReaderMask, ClaimantSleeps, m_claimantWoken);
-            }
-            else if (TryChange(state, (state & ~ClaimantSleeps) | Exclusive))
-                return;
-        }
-    }
+    void WaitAndTake() noexcept;
+    void Claim() noexcept;
+    void WaitForReaders() noexcept;
+    void WaitAndAddReader();
+    void SleepWhile(std::uint32_t cause, std::uint32_t mark, FutexWord const &woken) noexcept;
+    void WakeReadersAndWriter(std::uint32_t marks) noexcept;
+    void WakeClaimant() noexcept;
 
     FutexWord m_state{0};
     LockCount m_writerCount = 0; // locks of the owner; used by the owner only
@@ -238,39 +162,4 @@ private:
     FutexWord m_claimantWoken{0};
 };
 
-TReadWriteLock::TReadWriteLock(unsigned int) : m_implementation(new Implementation) {}
-
-TReadWriteLock::~TReadWriteLock()
-{
-    delete m_implementation;
-}
-
-void TReadWriteLock::Lock()
-{
-    m_implementation->Lock();
-}
-
-void TReadWriteLock::Unlock()
-{
-    m_implementation->Unlock();
-}
-
-void TReadWriteLock::LockRead()
-{
-    m_implementation->LockRead();
-}
-
-void TReadWriteLock::UnlockRead()
-{
-    m_implementation->UnlockRead();
-}
-
-bool TReadWriteLock::try_lock()
-{
-    return m_implementation->TryLock();
-}
-
-bool TReadWriteLock::try_lock_shared()
-{
-    return m_implementation->TryLockRead();
-}
+} // namespace vansys::detail
