@@ -4,6 +4,8 @@
 #include "vansys/TFormatLiteral.h"
 #include "vansys/TScanStringCore.h"
 
+#include <string>
+
 #if REJECTED == 0
 
 // The same as below, as it is meant.
@@ -19,6 +21,11 @@ void change()
     event->Add(nullptr);
     event->Remove(nullptr);
 }
+TCodeUnit const *const pointer = text;
+void const *const address = text;
+std::basic_string<TCodeUnit> const units = std::basic_string<TCodeUnit>() = text;
+bool const isEmpty = text == u"" || text.isEmpty();
+TStringCore const &either = isEmpty ? last : text;
 
 #elif REJECTED == 1
 TStringCore const text = FormatText(u"%0", 1);
@@ -33,7 +40,7 @@ TStringCore const text = TFormatLiteral(u8"100 %").text();
 // Digits of which one comes before "0".
 struct OtherDigits : vansys::detail::FormatLiteralSink
 {
-    constexpr bool isDigit(TCodeUnit unit) const noexcept { return unit >= u'/' && unit <= u'9'; }
+    constexpr bool IsDigit(TCodeUnit unit) const noexcept { return unit >= u'/' && unit <= u'9'; }
 };
 
 constexpr int scan(char16_t const *begin, char16_t const *end)
@@ -68,4 +75,23 @@ void remove(TCancelEvent const &parent, TCancelEvent *child)
 {
     parent.Remove(child);
 }
+#elif REJECTED >= 15
+TStringCore text, other;
+#    if REJECTED == 15
+auto const condition = text ? 1 : 0;
+#    elif REJECTED == 16
+bool const condition = text;
+#    elif REJECTED == 17
+auto const sum = text + u'x';
+#    elif REJECTED == 18
+auto const sum = 1 + text;
+#    elif REJECTED == 19
+auto const sum = text + other;
+#    elif REJECTED == 20
+auto const difference = text - other;
+#    elif REJECTED == 21
+auto const difference = text - u"x";
+#    elif REJECTED == 22
+TStringCore const adopted{vansys::detail::StringStorage()};
+#    endif
 #endif

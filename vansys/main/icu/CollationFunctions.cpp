@@ -1,6 +1,7 @@
 #include "vansys/ICUCollationFunctions.h"
 
 #include "main/icu/Call.h"
+#include "vansys/TStringCore.h"
 
 using vansys::detail::Call;
 using vansys::detail::FunctionTable;

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "vansys/Export.h"
+#include "vansys/Forward.h"
 #include "vansys/ICUTypes.h"
-#include "vansys/TStringCore.h"
 
 namespace VanICU
 {

@@ -23,6 +23,7 @@
 /// object before it gave its reference back is seen by the destructor.
 #pragma once
 
+#include "vansys/Forward.h"
 #include "vansys/ThrowLogicException.h"
 
 #include <cassert>
@@ -117,7 +118,7 @@ private:
 ///
 /// Costs what counting costs: it is as large as a plain pointer, and moving it does not count. Pass it by
 /// value where the callee keeps it.
-template <class T, class Counted = RefCntObject>
+template <class T, class Counted> // RefCntObject by default: see Forward.h
 class RefCntPtr
 {
 public:

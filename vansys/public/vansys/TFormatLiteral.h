@@ -3,6 +3,7 @@
 #pragma once
 
 #include "vansys/Export.h"
+#include "vansys/Forward.h"
 #include "vansys/TCodeUnit.h"
 #include "vansys/TFormatStringCore.h"
 #include "vansys/TStringCore.h"
@@ -69,7 +70,7 @@ VANSYS_API TStringCore FormatUnits(Units format, std::initializer_list<Units> ar
 /// Unicode 15.
 ///
 /// @tparam ArgumentCount how many arguments there will be; any number when it is negative
-template <int ArgumentCount = -1>
+template <int ArgumentCount> // -1 by default: see Forward.h
 class TFormatLiteral
 {
 public:

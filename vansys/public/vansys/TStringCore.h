@@ -3,15 +3,17 @@
 #pragma once
 
 #include "vansys/Export.h"
+#include "vansys/Forward.h"
+#include "vansys/NumberFunctions.h"
+#include "vansys/StringFunctions.h"
 #include "vansys/TCodeUnit.h"
-#include "vansys/detail/StringFunctions.h"
+#include "vansys/Text.h"
+#include "vansys/detail/CharacterTypes.h"
+#include "vansys/detail/StringIndex.h"
 #include "vansys/detail/StringStorage.h"
-#include "vansys/detail/TextArgument.h"
 
 #include <cstddef>
 #include <cstring>
-#include <functional>
-#include <iosfwd>
 #include <iterator>
 #include <string>
 #include <string_view>
@@ -21,23 +23,8 @@
 
 namespace vansys::detail
 {
-
-/// Index types for which neither `int` nor `unsigned int` is the one best match.
-template <class Index>
-using EnableIfLongIndex =
-    std::enable_if_t<std::is_same_v<Index, long> || std::is_same_v<Index, unsigned long> ||
-                     std::is_same_v<Index, long long> || std::is_same_v<Index, unsigned long long>>;
-
-/// The element of `u8"..."` literals; in C++17, where that is `char`, a type that nothing has.
-#if defined(__cpp_char8_t)
-using Utf8Character = char8_t;
-#else
-enum class Utf8Character : unsigned char
-{
-};
-#endif
-
-} // namespace vansys::detail
+class StringAccess;
+}
 
 /// A mutable sequence of UTF-16 code units that is always followed by a zero unit.
 ///
@@ -83,13 +70,13 @@ enum class Utf8Character : unsigned char
 ///   `constData()`, `cbegin()` or `at()` to read.
 /// - Where a function wants a pointer, the text ends at its first zero unit; `std::u16string(s)` takes the
 ///   pointer. Use `toStdUString()`, or the view.
-class VANSYS_API TStringCore : public vansys::detail::StringFunctions
+class VANSYS_API TStringCore : public vansys::StringFunctions, public vansys::NumberFunctions
 {
 public:
     class Exception;
 
     /// Text in any of its forms, for the time of a call.
-    using Text = vansys::detail::TextArgument;
+    using Text = vansys::Text;
 
     using value_type = TCodeUnit;
     using size_type = unsigned int;
@@ -149,9 +136,6 @@ public:
     /// Copies the units of a view. Explicit, because it may allocate.
     explicit TStringCore(std::u16string_view text);
     explicit TStringCore(std::wstring_view text);
-
-    /// For the library's own use: the text that has been written into the storage.
-    explicit TStringCore(vansys::detail::StringStorage &&storage) noexcept : m_storage(std::move(storage)) {}
 
     /// Shares the other's block, or copies its inline units into this string's own memory. Assigning a string
     /// to itself does nothing.
@@ -282,8 +266,21 @@ public:
     /// A view of the text, zero units included. Valid until the string is changed or destroyed.
     operator std::u16string_view() const noexcept;
 
-    /// `if (s)` would ask whether the pointer is null, which it never is. Write `!s.isEmpty()`.
-    explicit operator bool() const = delete;
+    // What the conversion to a pointer would let through, and nobody means. A pointer that is never null
+    // makes `if (text)` and `bool b = text` true: write `!text.isEmpty()`. A template, because a conversion
+    // to `bool` would go on to a number, or to the unit that `std::u16string` can be assigned from.
+    template <class Bool, class = std::enable_if_t<std::is_same_v<Bool, bool>>>
+    operator Bool() const = delete;
+
+    // An address outside the text, or a distance between texts. For `text + u'x'`, see `append`.
+    template <class Other>
+    friend void operator+(TStringCore const &, Other const &) = delete;
+    template <class Other>
+    friend void operator+(Other const &, TStringCore const &) = delete;
+    template <class Other>
+    friend void operator-(TStringCore const &, Other const &) = delete;
+    template <class Other>
+    friend void operator-(Other const &, TStringCore const &) = delete;
 
     const_iterator begin() const noexcept { return m_storage.units(); }
     const_iterator end() const noexcept { return m_storage.units() + m_storage.length(); }
@@ -324,13 +321,13 @@ public:
     template <class Index, class = vansys::detail::EnableIfLongIndex<Index>>
     const_reference operator[](Index index) const
     {
-        return (*this)[narrowIndex(index)];
+        return (*this)[vansys::detail::NarrowIndex(index)];
     }
 
     template <class Index, class = vansys::detail::EnableIfLongIndex<Index>>
     reference operator[](Index index)
     {
-        return (*this)[narrowIndex(index)];
+        return (*this)[vansys::detail::NarrowIndex(index)];
     }
 
     // Length and capacity
@@ -392,10 +389,10 @@ public:
     /// Appends the unit of the same value (0 to 255), not decoded.
     TStringCore &append(char byte) { return append(widen(byte)); }
 
-    template <class Text>
-    TStringCore &operator+=(Text const &text)
+    template <class Added>
+    TStringCore &operator+=(Added const &added)
     {
-        return append(text);
+        return append(added);
     }
 
     void push_back(TCodeUnit unit) { m_storage.append(unit); }
@@ -413,7 +410,7 @@ public:
     /// Removes the first unit when it is U+FEFF.
     void removeBOM();
 
-    // Comparison. The operators, which respect case, are in detail/StringComparison.h.
+    // Comparison. The operators, which respect case, are in TStringCoreOperators.h.
 
     using StringFunctions::compare;
 
@@ -588,55 +585,7 @@ public:
     /// The same as `unixToDos` on every platform: "native" is the form of Windows in this library.
     TStringCore &toNativeLineEndings() { return unixToDos(); }
 
-    // Numbers to text. Digits above 9 are lower case letters; a negative number is "-" and its magnitude in
-    // every base. Throws `Exception` "TStringCore::number: base out of range." unless the base is 2 to 36.
-
-    /// A positive field width right-justifies the number, a negative one left-justifies it; `fill` stands
-    /// before a sign. A number that is longer than the field is written whole.
-    static TStringCore number(long long value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ');
-    static TStringCore number(unsigned long long value, int base = 10, int fieldWidth = 0,
-                              TCodeUnit fill = u' ');
-
-    static TStringCore number(short value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
-    {
-        return number(static_cast<long long>(value), base, fieldWidth, fill);
-    }
-
-    static TStringCore number(unsigned short value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
-    {
-        return number(static_cast<unsigned long long>(value), base, fieldWidth, fill);
-    }
-
-    static TStringCore number(int value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
-    {
-        return number(static_cast<long long>(value), base, fieldWidth, fill);
-    }
-
-    static TStringCore number(unsigned int value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
-    {
-        return number(static_cast<unsigned long long>(value), base, fieldWidth, fill);
-    }
-
-    static TStringCore number(long value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
-    {
-        return number(static_cast<long long>(value), base, fieldWidth, fill);
-    }
-
-    static TStringCore number(unsigned long value, int base = 10, int fieldWidth = 0, TCodeUnit fill = u' ')
-    {
-        return number(static_cast<unsigned long long>(value), base, fieldWidth, fill);
-    }
-
-    /// The value as C's `printf` prints it for the format letter and the precision. The letter is one of
-    /// "eEfFgG"; any other is read as "g". A negative precision means 6. The exponent has at least two
-    /// digits, a zero never has a sign, and values without digits are "inf", "-inf" and "nan", in lower case
-    /// for every letter. The decimal separator is "." whatever the locale.
-    ///
-    /// `tidy` makes it plain that the number has a fraction, and drops its needless digits: with "g" and "G"
-    /// ".0" is inserted where there is no point; with the others trailing zeros go, but for one after the
-    /// point. Note that zeros go even where no point is printed: with precision 0, 100 is "1" with "f", and
-    /// -0.0, which then loses its sign, is "".
-    static TStringCore number(double value, char format = 'g', int precision = 6, bool tidy = false);
+    // Numbers to text: see also `number` and `pointer` in NumberFunctions.h.
 
     /// Becomes what `number` gives.
     template <class Integer, class = std::enable_if_t<std::is_integral_v<Integer>>>
@@ -649,10 +598,6 @@ public:
     {
         return *this = number(value, format, precision, tidy);
     }
-
-    /// The address in hexadecimal, padded with zeros to the width of a pointer, after "0x" when `prefix` is
-    /// set. `upperCase` is about the digits; the prefix stays as it is.
-    static TStringCore pointer(void const *address, bool prefix = true, bool upperCase = false);
 
     // Text to numbers
     //
@@ -680,8 +625,8 @@ public:
     float toFloat(bool *ok = nullptr) const;
     double toDouble(bool *ok = nullptr) const;
 
-    using StringFunctions::leftDoubleLength;
-    using StringFunctions::leftIntegerLength;
+    using NumberFunctions::leftDoubleLength;
+    using NumberFunctions::leftIntegerLength;
 
     /// How many leading units form an integer, or a floating-point number.
     int leftIntegerLength(int base = 10) const { return leftIntegerLength(constData(), length(), base); }
@@ -697,19 +642,14 @@ public:
     static bool IsConservativeString() noexcept;
 
 private:
+    friend class vansys::detail::StringAccess;
+
+    explicit TStringCore(vansys::detail::StringStorage &&storage) noexcept : m_storage(std::move(storage)) {}
+
     static constexpr TCodeUnit ByteOrderMark = 0xFEFF;
 
     /// `char` is signed on the targets: through `unsigned char`, so that 0xE9 is U+00E9.
     static constexpr TCodeUnit widen(char byte) noexcept { return static_cast<unsigned char>(byte); }
-
-    /// An index that no `int` holds becomes one that no text has, of the same signedness.
-    template <class Index>
-    static auto narrowIndex(Index index) noexcept
-    {
-        using Narrow = std::conditional_t<std::is_signed_v<Index>, int, unsigned int>;
-        auto const narrow = static_cast<Narrow>(index);
-        return static_cast<Index>(narrow) == index ? narrow : static_cast<Narrow>(-1);
-    }
 
     int lastIndex() const noexcept { return isEmpty() ? 0 : length() - 1; }
 
@@ -725,51 +665,13 @@ private:
     vansys::detail::StringStorage m_storage;
 };
 
-/// What the string itself throws. It holds one message and is laid out like a `TStringCore`. It derives from
-/// nothing and is caught by this type only. Copying it never throws.
-class VANSYS_API TStringCore::Exception
-{
-public:
-    explicit Exception(TStringCore const &message) noexcept : m_message(message) {}
-    explicit Exception(TStringCore &&message) noexcept : m_message(std::move(message)) {}
-
-    /// A copy on the heap, which the caller owns.
-    Exception *Clone() const;
-
-    /// Throws a copy of this object.
-    [[noreturn]] void Throw() const;
-
-    /// The message.
-    TStringCore GetConcatenatedMessages() const noexcept { return m_message; }
-
-    /// The message.
-    TStringCore CollateMessagesForLog() const noexcept { return m_message; }
-
-private:
-    TStringCore m_message;
-};
-
-inline vansys::detail::TextArgument::TextArgument(TStringCore const &text) noexcept
+inline vansys::Text::Text(TStringCore const &text) noexcept
     : m_units(text.constData()),
       m_length(text.length())
 {
 }
 
-static_assert(sizeof(TStringCore) == 32 && sizeof(TStringCore::Exception) == 32);
+static_assert(sizeof(TStringCore) == 32);
 
-/// `stream << text` would print an address. Write `stream << text.toStdString()`.
-template <class Character, class Traits>
-std::basic_ostream<Character, Traits> &operator<<(std::basic_ostream<Character, Traits> &,
-                                                  TStringCore const &) = delete;
-
-/// Prints the text, quoted and with escapes, where GoogleTest shows a value.
-VANSYS_API void PrintTo(TStringCore const &text, std::ostream *out);
-
-/// Consistent with `==`: the hash covers every unit of the text.
-template <>
-struct VANSYS_API std::hash<TStringCore>
-{
-    std::size_t operator()(TStringCore const &text) const noexcept;
-};
-
-#include "vansys/detail/StringComparison.h"
+#include "vansys/TStringCoreException.h"
+#include "vansys/TStringCoreOperators.h"

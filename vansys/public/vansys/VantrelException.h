@@ -3,13 +3,12 @@
 #pragma once
 
 #include "vansys/Export.h"
+#include "vansys/Forward.h"
 #include "vansys/TStringCore.h"
 
 #include <exception>
 #include <list>
 #include <vector>
-
-class TFormatStringCore;
 
 /// An exception that carries a stack of messages, and beside it a stack of redacted messages.
 ///

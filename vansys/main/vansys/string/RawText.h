@@ -22,7 +22,7 @@ struct RawText
 
     RawText(TStringCore const &text) noexcept : units(text.constData()), length(text.length()) {}
 
-    RawText(TextArgument const &text) noexcept : units(text.units()), length(text.length()) {}
+    RawText(Text const &text) noexcept : units(text.units()), length(text.length()) {}
 
     TCodeUnit const *units;
     int length;

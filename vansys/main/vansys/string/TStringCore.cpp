@@ -5,9 +5,8 @@
 #include <algorithm>
 #include <cstring>
 #include <functional>
-#include <ostream>
 
-using vansys::detail::StringFunctions;
+using vansys::StringFunctions;
 
 namespace
 {
@@ -232,25 +231,4 @@ TStringCore::Exception *TStringCore::Exception::Clone() const
 void TStringCore::Exception::Throw() const
 {
     throw Exception(*this);
-}
-
-// Printing
-
-void PrintTo(TStringCore const &text, std::ostream *out)
-{
-    *out << "u\"";
-    for (TCodeUnit const &unit : text)
-    {
-        if (unit == u'"' || unit == u'\\')
-            *out << '\\' << static_cast<char>(unit);
-        else if (unit >= 0x20 && unit < 0x7F)
-            *out << static_cast<char>(unit);
-        else
-        {
-            *out << "\\u";
-            for (int shift = 12; shift >= 0; shift -= 4)
-                *out << "0123456789ABCDEF"[unit >> shift & 0xF];
-        }
-    }
-    *out << '"';
 }

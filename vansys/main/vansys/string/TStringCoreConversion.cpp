@@ -7,9 +7,9 @@
 #include <cstring>
 #include <limits>
 
-using vansys::detail::StringFunctions;
+using vansys::StringFunctions;
+using vansys::Text;
 using vansys::detail::StringStorage;
-using vansys::detail::TextArgument;
 using vansys::detail::TwinText;
 
 namespace
@@ -357,7 +357,7 @@ int StringFunctions::lengthInCodePoints(TWideTwin const *text)
 
 // Text for the time of a call
 
-TextArgument::TextArgument(TWideTwin const *text) : m_units(nullptr), m_length(0)
+Text::Text(TWideTwin const *text) : m_units(nullptr), m_length(0)
 {
     if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
     {
@@ -372,7 +372,7 @@ TextArgument::TextArgument(TWideTwin const *text) : m_units(nullptr), m_length(0
     }
 }
 
-TextArgument::TextArgument(char const *utf8) : m_units(nullptr), m_length(0)
+Text::Text(char const *utf8) : m_units(nullptr), m_length(0)
 {
     if (!utf8)
         return;
@@ -381,7 +381,7 @@ TextArgument::TextArgument(char const *utf8) : m_units(nullptr), m_length(0)
     m_length = m_own.length();
 }
 
-TextArgument::TextArgument(TWideTwin codePoint) noexcept
+Text::Text(TWideTwin codePoint) noexcept
     : m_units(m_own.setLengthForOverwrite(
           vansys::detail::UnitsOfCodePoint(static_cast<std::uint32_t>(codePoint)))),
       m_length(m_own.length())

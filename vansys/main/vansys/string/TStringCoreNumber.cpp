@@ -1,5 +1,6 @@
 // Numbers to text.
 
+#include "main/vansys/string/StringAccess.h"
 #include "vansys/TStringCore.h"
 
 #include <algorithm>
@@ -11,7 +12,10 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <utility>
 
+using vansys::NumberFunctions;
+using vansys::detail::StringAccess;
 using vansys::detail::StringStorage;
 
 namespace
@@ -118,8 +122,7 @@ void WriteDigits(TCodeUnit *end, std::uint64_t magnitude, unsigned int base)
     while ((magnitude /= base) != 0);
 }
 
-void WriteInteger(StringStorage &storage, std::uint64_t magnitude, bool negative, int base, int fieldWidth,
-                  TCodeUnit fill)
+TStringCore SignAndMagnitude(bool negative, std::uint64_t magnitude, int base, int fieldWidth, TCodeUnit fill)
 {
     if (base < MinBase || base > MaxBase)
         throw TStringCore::Exception("TStringCore::number: base out of range.");
@@ -128,6 +131,7 @@ void WriteInteger(StringStorage &storage, std::uint64_t magnitude, bool negative
 
     // In 64 bits, because the smallest width has no counterpart.
     std::int64_t const width = std::max<std::int64_t>(std::abs(std::int64_t{fieldWidth}), length);
+    StringStorage storage;
     TCodeUnit *begin = storage.setLengthForOverwrite(StringStorage::checkedLength(width));
     TCodeUnit *const end = begin + width;
     if (fieldWidth > length)
@@ -137,6 +141,16 @@ void WriteInteger(StringStorage &storage, std::uint64_t magnitude, bool negative
     begin += length;
     WriteDigits(begin, magnitude, radix);
     std::fill(begin, end, fill);
+    return StringAccess::Adopt(std::move(storage));
+}
+
+template <class Integer>
+TStringCore IntegerText(Integer value, int base, int fieldWidth, TCodeUnit fill)
+{
+    bool const negative = std::cmp_less(value, 0);
+    // Unsigned, because the magnitude of the least number has no signed type.
+    auto const bits = static_cast<std::uint64_t>(value);
+    return SignAndMagnitude(negative, negative ? 0 - bits : bits, base, fieldWidth, fill);
 }
 
 // Floating point
@@ -204,22 +218,47 @@ private:
 
 } // namespace
 
-TStringCore TStringCore::number(long long value, int base, int fieldWidth, TCodeUnit fill)
+TStringCore NumberFunctions::number(long long value, int base, int fieldWidth, TCodeUnit fill)
 {
-    auto const bits = static_cast<std::uint64_t>(value);
-    TStringCore result;
-    WriteInteger(result.m_storage, value < 0 ? 0 - bits : bits, value < 0, base, fieldWidth, fill);
-    return result;
+    return IntegerText(value, base, fieldWidth, fill);
 }
 
-TStringCore TStringCore::number(unsigned long long value, int base, int fieldWidth, TCodeUnit fill)
+TStringCore NumberFunctions::number(unsigned long long value, int base, int fieldWidth, TCodeUnit fill)
 {
-    TStringCore result;
-    WriteInteger(result.m_storage, value, false, base, fieldWidth, fill);
-    return result;
+    return IntegerText(value, base, fieldWidth, fill);
 }
 
-TStringCore TStringCore::number(double value, char format, int precision, bool tidy)
+TStringCore NumberFunctions::number(short value, int base, int fieldWidth, TCodeUnit fill)
+{
+    return IntegerText(value, base, fieldWidth, fill);
+}
+
+TStringCore NumberFunctions::number(unsigned short value, int base, int fieldWidth, TCodeUnit fill)
+{
+    return IntegerText(value, base, fieldWidth, fill);
+}
+
+TStringCore NumberFunctions::number(int value, int base, int fieldWidth, TCodeUnit fill)
+{
+    return IntegerText(value, base, fieldWidth, fill);
+}
+
+TStringCore NumberFunctions::number(unsigned int value, int base, int fieldWidth, TCodeUnit fill)
+{
+    return IntegerText(value, base, fieldWidth, fill);
+}
+
+TStringCore NumberFunctions::number(long value, int base, int fieldWidth, TCodeUnit fill)
+{
+    return IntegerText(value, base, fieldWidth, fill);
+}
+
+TStringCore NumberFunctions::number(unsigned long value, int base, int fieldWidth, TCodeUnit fill)
+{
+    return IntegerText(value, base, fieldWidth, fill);
+}
+
+TStringCore NumberFunctions::number(double value, char format, int precision, bool tidy)
 {
     if (std::isnan(value))
         return "nan";
@@ -249,16 +288,16 @@ TStringCore TStringCore::number(double value, char format, int precision, bool t
     if (format == 'E' || format == 'G')
         text.MakeUpperCase();
 
-    TStringCore result;
-    TCodeUnit *out = result.m_storage.setLengthForOverwrite(
+    StringStorage result;
+    TCodeUnit *out = result.setLengthForOverwrite(
         StringStorage::checkedLength(text.end() - text.begin() + std::int64_t{zeros}));
     out = std::copy(text.begin(), text.Exponent(), out);
     out = std::fill_n(out, zeros, TCodeUnit{u'0'});
     std::copy(text.Exponent(), text.end(), out);
-    return result;
+    return StringAccess::Adopt(std::move(result));
 }
 
-TStringCore TStringCore::pointer(void const *address, bool prefix, bool upperCase)
+TStringCore NumberFunctions::pointer(void const *address, bool prefix, bool upperCase)
 {
     constexpr int Width = 2 * sizeof address;
     TStringCore digits = number(reinterpret_cast<std::uintptr_t>(address), 16, Width, u'0');

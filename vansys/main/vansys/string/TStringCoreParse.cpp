@@ -13,7 +13,7 @@
 #include <system_error>
 #include <type_traits>
 
-using vansys::detail::StringFunctions;
+using vansys::NumberFunctions;
 using vansys::detail::StringStorage;
 
 namespace
@@ -356,7 +356,7 @@ Floating ReadFloating(TStringCore const &string, bool *ok)
 
 } // namespace
 
-int StringFunctions::leftIntegerLength(TCodeUnit const *text, int length, int base)
+int NumberFunctions::leftIntegerLength(TCodeUnit const *text, int length, int base)
 {
     if (!text || length == 0 || *text == 0)
         return 0;
@@ -379,7 +379,7 @@ int StringFunctions::leftIntegerLength(TCodeUnit const *text, int length, int ba
     return digitsEnd == digits ? 0 : StringStorage::checkedLength(digitsEnd - text);
 }
 
-int StringFunctions::leftDoubleLength(TCodeUnit const *text, int length)
+int NumberFunctions::leftDoubleLength(TCodeUnit const *text, int length)
 {
     if (!text)
         return 0;

@@ -1,5 +1,6 @@
 #include "vansys/TFormatStringCore.h"
 
+#include "main/vansys/string/StringAccess.h"
 #include "vansys/TCType.h"
 #include "vansys/TFormatLiteral.h"
 
@@ -160,7 +161,7 @@ TStringCore Assemble(Units format, FormatMarker const *begin, FormatMarker const
         next = percentSign + marker->length;
     }
     PutUnits(out, Between(next, format.data() + format.size()));
-    return TStringCore(std::move(text));
+    return vansys::detail::StringAccess::Adopt(std::move(text));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "vansys/TStringCore.h"
 
 #include "main/icu/CaseRules.h"
+#include "main/vansys/string/StringAccess.h"
 #include "main/vansys/string/UnitVector.h"
 #include "vansys/ICUStringFunctions.h"
 #include "vansys/detail/CharacterTable.h"
@@ -268,7 +269,7 @@ TStringCore MapCase(TStringCore const &text)
     std::memcpy(units, text.constData(), static_cast<std::size_t>(first) * sizeof *units);
     if (!mapping.map(first, units) && !MapInFull<Case>(text.constData(), length, result))
         return text;
-    return TStringCore(std::move(result));
+    return StringAccess::Adopt(std::move(result));
 }
 
 } // namespace

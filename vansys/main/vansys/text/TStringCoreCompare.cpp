@@ -9,6 +9,7 @@
 #include <limits>
 #include <type_traits>
 
+using vansys::StringFunctions;
 using namespace vansys::detail;
 
 namespace

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 
-using vansys::detail::StringFunctions;
+using vansys::StringFunctions;
 using vansys::detail::StringStorage;
 
 namespace

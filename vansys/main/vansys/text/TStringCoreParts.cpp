@@ -9,10 +9,11 @@
 #include <algorithm>
 #include <cstdint>
 
+using vansys::StringFunctions;
 using vansys::detail::CopyUnits;
 using vansys::detail::RawText;
-using vansys::detail::StringFunctions;
 using vansys::detail::StringStorage;
+using vansys::detail::TwinText;
 using vansys::detail::UnitSet;
 
 namespace

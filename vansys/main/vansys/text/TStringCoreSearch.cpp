@@ -9,8 +9,8 @@
 #include <algorithm>
 #include <cstring>
 
+using vansys::StringFunctions;
 using vansys::detail::RawText;
-using vansys::detail::StringFunctions;
 using vansys::detail::UnitSet;
 
 namespace

@@ -1,20 +1,21 @@
 /// @file
-/// The functions of TStringCore that work on raw text: measuring, comparing, searching and cutting what need
-/// not be a `TStringCore`. They are used through it, as in `TStringCore::findStr`.
+/// StringFunctions: what `TStringCore` does with raw text.
 #pragma once
 
 #include "vansys/Export.h"
+#include "vansys/Forward.h"
 #include "vansys/TCodeUnit.h"
 #include "vansys/detail/TwinText.h"
 
 #include <cstddef>
 #include <vector>
 
-class TStringCore;
-
-namespace vansys::detail
+namespace vansys
 {
 
+/// Measures, compares, searches and cuts text that need not be a `TStringCore`. That class inherits from this
+/// one, and its header is the one to include: `TStringCore::findStr(...)`.
+///
 /// **Text** is given as a pointer and a length in elements; a negative length means "up to the first zero".
 /// Where there is no length, the text ends at its first zero. A null pointer is the empty text.
 ///
@@ -78,7 +79,7 @@ public:
     static int compare(TCodeUnit const *a, TCodeUnit const *b, CaseSensitivity sensitivity = CaseSensitive);
     static int compare(TWideTwin const *a, TWideTwin const *b, CaseSensitivity sensitivity = CaseSensitive)
     {
-        return compare(TwinText(a).units(), TwinText(b).units(), sensitivity);
+        return compare(detail::TwinText(a).units(), detail::TwinText(b).units(), sensitivity);
     }
 
     /// `compare` of at most the first `count` units of each; of all when `count` is negative.
@@ -96,7 +97,7 @@ public:
     static int findStr(TWideTwin const *text, int length, TWideTwin const *needle, int needleLength,
                        int start = 0, CaseSensitivity sensitivity = CaseSensitive)
     {
-        TwinText const twin(text, length), sought(needle, needleLength);
+        detail::TwinText const twin(text, length), sought(needle, needleLength);
         return twin.position(findStr(twin.units(), twin.length(), sought.units(), sought.length(),
                                      twin.unitPosition(start), sensitivity));
     }
@@ -116,7 +117,7 @@ public:
     static int findOneOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
                          int start = 0)
     {
-        TwinText const twin(text, length), sought(set, setLength);
+        detail::TwinText const twin(text, length), sought(set, setLength);
         return twin.position(findOneOf(twin.units(), twin.length(), sought.units(), sought.length(),
                                        twin.unitPosition(start)));
     }
@@ -127,7 +128,7 @@ public:
     static int findOneNotOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
                             int start = 0)
     {
-        TwinText const twin(text, length), sought(set, setLength);
+        detail::TwinText const twin(text, length), sought(set, setLength);
         return twin.position(findOneNotOf(twin.units(), twin.length(), sought.units(), sought.length(),
                                           twin.unitPosition(start)));
     }
@@ -157,38 +158,6 @@ public:
     /// left alone.
     static int dosToUnix(TCodeUnit *text);
     static int dosToUnix(TWideTwin *text);
-
-    // Numbers
-
-    /// How many leading units form an integer in `base`, 2 to 36.
-    ///
-    /// Before the digits there may be one "+" or "-" in base 10, and "0x" or "0X" in base 16; no base takes
-    /// anything else. Where nothing follows them the result is 0. A digit is a unit that, with its bit 0x20
-    /// set, is in "0" to "9" or in "a" to the last letter of the base. So decimal digits count in every base,
-    /// the control units U+0010 to U+0019 count too, and the readers (`TStringCore::toInt`) may still refuse
-    /// what is measured here.
-    ///
-    /// Base 0 takes the base from a text of two or more units: "0x" or "0X" is 16, another "0" is 8, the rest
-    /// is 10. Throws `TStringCore::Exception` "TStringCore::parseInteger: base out of range." for any other
-    /// base, and for base 0 with a text of one unit. A text that is null, or empty, or begins with a zero
-    /// unit gives 0.
-    static int leftIntegerLength(TCodeUnit const *text, int length, int base = 10);
-    static int leftIntegerLength(TWideTwin const *text, int length, int base = 10)
-    {
-        TwinText const twin(text, length);
-        return twin.position(leftIntegerLength(twin.units(), twin.length(), base));
-    }
-
-    /// How many leading units form a floating-point number: an optional sign; then "inf", "infinity" or "nan"
-    /// in any case, or digits with an optional fraction, or a fraction alone, and an exponent, which counts
-    /// only when it has digits. A fraction behind digits may be a mere point. ASCII digits only; no blanks,
-    /// no hexadecimal form, and "." whatever the locale. 0 when there is none.
-    static int leftDoubleLength(TCodeUnit const *text, int length);
-    static int leftDoubleLength(TWideTwin const *text, int length)
-    {
-        TwinText const twin(text, length);
-        return twin.position(leftDoubleLength(twin.units(), twin.length()));
-    }
 };
 
-} // namespace vansys::detail
+} // namespace vansys

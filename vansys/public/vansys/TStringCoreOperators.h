@@ -2,25 +2,22 @@
 /// The comparison operators of TStringCore: what `TStringCore::compare` says, against another string, against
 /// zero-terminated text of each of the three types, and against one unit. Without those for text, the
 /// conversion of a string to a pointer would make `text == u"literal"` compare addresses.
+///
+/// Its hash. The stream operator that it does not have.
 #pragma once
 
+#include "vansys/Export.h"
 #include "vansys/TStringCore.h"
+#include "vansys/detail/CharacterTypes.h"
 
+#include <cstddef>
 #include <cstring>
-#include <type_traits>
+#include <functional>
+#include <iosfwd>
 
 #if defined(__cpp_impl_three_way_comparison)
 #    include <compare>
 #endif
-
-namespace vansys::detail
-{
-
-/// Zero-terminated text, or one unit, of any type that `TStringCore::Text` takes.
-template <class Other>
-using EnableIfTextOrUnit = EnableIfCharacter<std::remove_cv_t<std::remove_pointer_t<Other>>>;
-
-} // namespace vansys::detail
 
 inline bool operator==(TStringCore const &a, TStringCore const &b) noexcept
 {
@@ -141,3 +138,15 @@ std::strong_ordering operator<=>(TStringCore const &a, Other b)
 }
 
 #endif
+
+/// Consistent with `==`: the hash covers every unit of the text.
+template <>
+struct VANSYS_API std::hash<TStringCore>
+{
+    std::size_t operator()(TStringCore const &text) const noexcept;
+};
+
+/// `stream << text` would print an address. Write `stream << text.toStdString()`.
+template <class Character, class Traits>
+std::basic_ostream<Character, Traits> &operator<<(std::basic_ostream<Character, Traits> &,
+                                                  TStringCore const &) = delete;
