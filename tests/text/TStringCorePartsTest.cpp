@@ -1,6 +1,6 @@
 #include "support/ReferenceText.h"
 #include "support/TestText.h"
-#include "vansys/TStringCore.h"
+#include "vansys/TScanStringCore.h"
 
 #include <gtest/gtest.h>
 
@@ -233,4 +233,41 @@ TEST(TStringCoreParts, Justifies)
         EXPECT_EQ(TStringCore(u"abc").rightJustified(row.width, u'-', row.truncate), row.right) << row.width;
     }
     EXPECT_EQ(TStringCore(u" a ").trimmed(), u"a");
+}
+
+/// Sets in UTF-8, and in the other wide type where that is UTF-32, do not take characters apart. The two here
+/// begin with the same unit.
+TEST(TStringCoreParts, SetsOfCodePoints)
+{
+    TStringCore const text = u"\U0001F600a\U0001F601";
+    auto const check = [&](auto const *set)
+    {
+        EXPECT_EQ(TStringCore(text).trim(set), u"\U0001F600a");
+        EXPECT_EQ(TStringCore(text).trimLeft(set), text);
+        EXPECT_EQ(TStringCore(text).removeAnyOf(set), u"\U0001F600a");
+        EXPECT_EQ(TStringCore(text).removeAnyOf(set, 4), text) << "half of a character is none";
+        EXPECT_EQ(TStringCore(text).append(text).replaceAnyOf(set, u'-', 1), u"\U0001F600a-\U0001F600a-");
+        EXPECT_EQ(text.spanExcluding(set), u"\U0001F600a");
+        EXPECT_EQ(text.spanIncluding(set), u"");
+        EXPECT_EQ(text.splitOnAny(set), (Strings{u"\U0001F600a", u""}));
+        int position = 0;
+        EXPECT_EQ(TStringCore(u"\U0001F601\U0001F600\U0001F601a").tokenize(set, position), u"\U0001F600");
+        EXPECT_EQ(position, 6);
+        EXPECT_EQ(TScanStringCore::lengthAnyOf(text.constData() + 3, set), 2);
+        EXPECT_EQ(TScanStringCore::lengthAnyNotOf(text, set), 3);
+        EXPECT_EQ(TStringCore(u"\xDE01\xD83D").trim(set).length(), 2);
+    };
+    check("x\u20AC\U0001F601");
+    if constexpr (sizeof(TWideTwin) != sizeof(TCodeUnit))
+    {
+        check(L"x\u20AC\U0001F601");
+        EXPECT_EQ(TStringCore(u"\U0001F600a").trimLeft(L'\U0001F601'), u"\U0001F600a");
+        EXPECT_EQ(TStringCore::findOneOf(L"\U0001F600a\U0001F601", -1, L"\U0001F601", -1), 2);
+        EXPECT_EQ(TStringCore::findOneNotOf(L"\U0001F600a\U0001F601", -1, L"\U0001F600", -1), 1);
+        EXPECT_EQ(TStringCore::splitOnAny(L"\U0001F600a\U0001F601", -1, L"\U0001F601", -1),
+                  (Strings{u"\U0001F600a", u""}));
+    }
+    EXPECT_EQ(TStringCore(text).trim("\xED\xA0\xBD"), text) << "half of a character is none in a set either";
+    EXPECT_EQ(TStringCore(u"\xD83D").append(text).trim("\xED\xA0\xBD"), text) << "but for one by itself";
+    EXPECT_EQ(TStringCore(text).removeAnyOf(TStringCore(u"\U0001F601")), u"\xDE00\u0061") << "a set of units";
 }

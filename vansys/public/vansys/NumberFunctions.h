@@ -55,10 +55,10 @@ public:
     /// How many leading units form an integer in `base`, 2 to 36.
     ///
     /// Before the digits there may be one "+" or "-" in base 10, and "0x" or "0X" in base 16; no base takes
-    /// anything else. Where nothing follows them the result is 0. A digit is a unit that, with its bit 0x20
-    /// set, is in "0" to "9" or in "a" to the last letter of the base. So decimal digits count in every base,
-    /// the control units U+0010 to U+0019 count too, and the readers (`TStringCore::toInt`) may still refuse
-    /// what is measured here.
+    /// anything else. (The readers, and `TScanStringCore::readInt`, take a sign in every base.) Where nothing
+    /// follows them the result is 0. A digit is a unit that, with its bit 0x20 set, is in "0" to "9" or in
+    /// "a" to the last letter of the base. So decimal digits count in every base, the control units U+0010 to
+    /// U+0019 count too, and the readers (`TStringCore::toInt`) may still refuse what is measured here.
     ///
     /// Base 0 takes the base from a text of two or more units: "0x" or "0X" is 16, another "0" is 8, the rest
     /// is 10. Throws `TStringCore::Exception` "TStringCore::parseInteger: base out of range." for any other

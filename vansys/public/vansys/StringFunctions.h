@@ -110,28 +110,18 @@ public:
         return findStr(text, length, &unit, 1, start, sensitivity);
     }
 
-    /// The first unit that is in the set. The units of a set are looked at one by one: each half of a
-    /// surrogate pair is a member of its own.
+    /// The first unit that is in the set. Each half of a surrogate pair is a unit of its own; where the twin
+    /// is UTF-32, its sets are ones of code points.
     static int findOneOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
                          int start = 0);
     static int findOneOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
-                         int start = 0)
-    {
-        detail::TwinText const twin(text, length), sought(set, setLength);
-        return twin.position(findOneOf(twin.units(), twin.length(), sought.units(), sought.length(),
-                                       twin.unitPosition(start)));
-    }
+                         int start = 0);
 
-    /// The first unit that is not in the set.
+    /// The first unit, or code point, that is not in the set.
     static int findOneNotOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
                             int start = 0);
     static int findOneNotOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
-                            int start = 0)
-    {
-        detail::TwinText const twin(text, length), sought(set, setLength);
-        return twin.position(findOneNotOf(twin.units(), twin.length(), sought.units(), sought.length(),
-                                          twin.unitPosition(start)));
-    }
+                            int start = 0);
 
     // Cutting: see the members of TStringCore of the same names.
 

@@ -46,7 +46,7 @@ class VANSYS_API TScanStringCore
 public:
     class Exception;
 
-    /// Any of the forms of text; see `TStringCore::Text`. As a set it stands for its units.
+    /// Any of the forms of text; see `TStringCore::Text`. For sets, see there.
     using Text = TStringCore::Text;
 
     /// Begins at the start of the text.
@@ -68,10 +68,10 @@ public:
     // Measuring: the length of the item that the text begins with, in elements of the text. Null is the empty
     // text. The functions for the other wide type may throw "Out of memory" as `TStringCore` does.
 
-    /// Units that are in the set.
+    /// Members of the set.
     static int lengthAnyOf(TCodeUnit const *text, Text const &set);
 
-    /// Units that are not in the set.
+    /// What is no member of the set.
     static int lengthAnyNotOf(TCodeUnit const *text, Text const &set);
 
     /// Units that are white space (`TCType::isSpace`).

@@ -49,6 +49,10 @@ class StringAccess;
 /// Those that also work on raw text are inherited from `StringFunctions`: `findStr`, `findChar`, `findOneOf`,
 /// `findOneNotOf`, `compareN` and more.
 ///
+/// **Sets** (`trim(set)`, `removeAnyOf`, `splitOnAny`, `tokenize`...) are sets of code units when they are
+/// given as a string or in `TCodeUnit`. In UTF-8 and UTF-32 they are sets of code points: neither half of a
+/// surrogate pair matches by itself.
+///
 /// **Memory.** A string that has moved to the heap stays there when it gets shorter. It becomes inline again
 /// when an inline string is assigned to it while its block is shared, when it is moved from, and when it is
 /// assigned to by move from an inline string. Growth doubles the capacity; see `EnableConservativeString`.
@@ -462,7 +466,7 @@ public:
     /// Removes every match, from left to right.
     TStringCore &removeAll(Text const &text, CaseSensitivity sensitivity = CaseSensitive);
 
-    /// Removes every unit at or after `start` that is in the set.
+    /// Removes every member of the set at or after `start`.
     TStringCore &removeAnyOf(Text const &set, int start = 0);
 
     /// Replaces `count` units from `position` on.
@@ -486,7 +490,7 @@ public:
     /// `replace`, and how many matches there were.
     int replaceCount(Text const &before, Text const &after, CaseSensitivity sensitivity = CaseSensitive);
 
-    /// Replaces every unit at or after `start` that is in the set by `unit`.
+    /// Replaces every member of the set at or after `start` by `unit`.
     TStringCore &replaceAnyOf(Text const &set, TCodeUnit unit, int start = 0);
 
     /// Keeps the first `length` units; none when it is negative. Does nothing when the text is shorter.
@@ -511,7 +515,7 @@ public:
     TStringCore right(int count) const;
     TStringCore mid(int position, int count = -1) const;
 
-    /// The leading units that are in the set, or that are not.
+    /// What the text begins with that is in the set, or that is not.
     TStringCore spanIncluding(Text const &set) const;
     TStringCore spanExcluding(Text const &set) const;
 
@@ -541,7 +545,7 @@ public:
 
     using StringFunctions::splitOnAny;
 
-    /// `split`, with each unit of the set being a separator.
+    /// `split`, with each member of the set being a separator.
     std::vector<TStringCore> splitOnAny(Text const &set, SplitBehavior behavior = KeepEmptyParts) const;
 
     /// The parts with the separator between them.
@@ -561,7 +565,7 @@ public:
     TStringCore toLower() const;
     TStringCore toUpper() const;
 
-    // White space (`TCType::isSpace`), or the units of a set, at the ends
+    // White space (`TCType::isSpace`), or the members of a set, at the ends
 
     TStringCore &trim();
     TStringCore &trimLeft();
@@ -587,16 +591,16 @@ public:
 
     // Numbers to text: see also `number` and `pointer` in NumberFunctions.h.
 
-    /// Becomes what `number` gives.
+    /// Becomes what `number` gives, in the memory that the string has.
+    TStringCore &setNum(long long value, int base = 10);
+    TStringCore &setNum(unsigned long long value, int base = 10);
+    TStringCore &setNum(double value, char format = 'g', int precision = 6, bool tidy = false);
+
     template <class Integer, class = std::enable_if_t<std::is_integral_v<Integer>>>
     TStringCore &setNum(Integer value, int base = 10)
     {
-        return *this = number(value, base);
-    }
-
-    TStringCore &setNum(double value, char format = 'g', int precision = 6, bool tidy = false)
-    {
-        return *this = number(value, format, precision, tidy);
+        using Widest = std::conditional_t<std::is_signed_v<Integer>, long long, unsigned long long>;
+        return setNum(static_cast<Widest>(value), base);
     }
 
     // Text to numbers
@@ -661,6 +665,7 @@ private:
     TStringCore &appendFromSelf(int position, int count);
     TStringCore &assignFromSelf(int position, int count);
     TStringCore &assignRepeated(TCodeUnit const *units, int count, int times);
+    TStringCore &replaceMembers(Text const &set, TCodeUnit const *replacement, int start);
 
     vansys::detail::StringStorage m_storage;
 };

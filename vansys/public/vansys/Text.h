@@ -55,10 +55,15 @@ public:
 
     bool isEmpty() const noexcept { return m_length == 0; }
 
+    /// Whether it was given as code points: as UTF-8, or in the twin where that is UTF-32. As a set, such
+    /// text is one of code points, so that no half of a character matches; other text is a set of units.
+    bool isCodePoints() const noexcept { return m_isCodePoints; }
+
 private:
     detail::StringStorage m_own; ///< the units, where they are not the caller's
     TCodeUnit const *m_units;
     int m_length;
+    bool m_isCodePoints = false;
 };
 
 } // namespace vansys

@@ -152,7 +152,10 @@ void TStringCore::constructFromUtf8(char const *utf8, int count)
 TStringCore &TStringCore::assign(char const *utf8, int count)
 {
     if (inSelf(utf8))
-        return *this = TStringCore(utf8, count);
+    {
+        TStringCore const decoded(utf8, count);
+        return assign(decoded.constData(), decoded.length());
+    }
     constructFromUtf8(utf8, count);
     return *this;
 }
@@ -366,6 +369,7 @@ Text::Text(TWideTwin const *text) : m_units(nullptr), m_length(0)
     }
     else if (text)
     {
+        m_isCodePoints = true;
         assignUtf32(m_own, text, -1);
         m_units = m_own.units();
         m_length = m_own.length();
@@ -376,6 +380,7 @@ Text::Text(char const *utf8) : m_units(nullptr), m_length(0)
 {
     if (!utf8)
         return;
+    m_isCodePoints = true;
     assignUtf8(m_own, utf8, -1);
     m_units = m_own.units();
     m_length = m_own.length();
@@ -384,7 +389,8 @@ Text::Text(char const *utf8) : m_units(nullptr), m_length(0)
 Text::Text(TWideTwin codePoint) noexcept
     : m_units(m_own.setLengthForOverwrite(
           vansys::detail::UnitsOfCodePoint(static_cast<std::uint32_t>(codePoint)))),
-      m_length(m_own.length())
+      m_length(m_own.length()),
+      m_isCodePoints(sizeof(TWideTwin) != sizeof(TCodeUnit))
 {
     vansys::detail::PutCodePoint(static_cast<std::uint32_t>(codePoint), m_own.writableUnits());
 }

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <string_view>
 #include <utility>
 
 using vansys::NumberFunctions;
@@ -122,7 +123,8 @@ void WriteDigits(TCodeUnit *end, std::uint64_t magnitude, unsigned int base)
     while ((magnitude /= base) != 0);
 }
 
-TStringCore SignAndMagnitude(bool negative, std::uint64_t magnitude, int base, int fieldWidth, TCodeUnit fill)
+void WriteSignAndMagnitude(StringStorage &storage, bool negative, std::uint64_t magnitude, int base,
+                           int fieldWidth, TCodeUnit fill)
 {
     if (base < MinBase || base > MaxBase)
         throw TStringCore::Exception("TStringCore::number: base out of range.");
@@ -131,7 +133,6 @@ TStringCore SignAndMagnitude(bool negative, std::uint64_t magnitude, int base, i
 
     // In 64 bits, because the smallest width has no counterpart.
     std::int64_t const width = std::max<std::int64_t>(std::abs(std::int64_t{fieldWidth}), length);
-    StringStorage storage;
     TCodeUnit *begin = storage.setLengthForOverwrite(StringStorage::checkedLength(width));
     TCodeUnit *const end = begin + width;
     if (fieldWidth > length)
@@ -141,16 +142,23 @@ TStringCore SignAndMagnitude(bool negative, std::uint64_t magnitude, int base, i
     begin += length;
     WriteDigits(begin, magnitude, radix);
     std::fill(begin, end, fill);
-    return StringAccess::Adopt(std::move(storage));
+}
+
+template <class Integer>
+void WriteInteger(StringStorage &storage, Integer value, int base, int fieldWidth, TCodeUnit fill)
+{
+    bool const negative = std::cmp_less(value, 0);
+    // Unsigned, because the magnitude of the least number has no signed type.
+    auto const bits = static_cast<std::uint64_t>(value);
+    WriteSignAndMagnitude(storage, negative, negative ? 0 - bits : bits, base, fieldWidth, fill);
 }
 
 template <class Integer>
 TStringCore IntegerText(Integer value, int base, int fieldWidth, TCodeUnit fill)
 {
-    bool const negative = std::cmp_less(value, 0);
-    // Unsigned, because the magnitude of the least number has no signed type.
-    auto const bits = static_cast<std::uint64_t>(value);
-    return SignAndMagnitude(negative, negative ? 0 - bits : bits, base, fieldWidth, fill);
+    StringStorage result;
+    WriteInteger(result, value, base, fieldWidth, fill);
+    return StringAccess::Adopt(std::move(result));
 }
 
 // Floating point
@@ -216,6 +224,45 @@ private:
     char *m_end;
 };
 
+void WriteDouble(StringStorage &storage, double value, char format, int precision, bool tidy)
+{
+    if (!std::isfinite(value))
+    {
+        std::string_view const word = std::isnan(value) ? "nan" : value < 0 ? "-inf" : "inf";
+        std::copy(word.begin(), word.end(), storage.setLengthForOverwrite(static_cast<int>(word.size())));
+        return;
+    }
+
+    bool const isFixed = format == 'f' || format == 'F';
+    bool const isScientific = format == 'e' || format == 'E';
+    bool const isGeneral = !isFixed && !isScientific;
+    int const wanted = precision < 0 ? 6 : precision;
+
+    // An exponent comes with two digits or as many more as it needs, and "g" without zeros at the end of a
+    // fraction, so neither needs mending.
+    DoubleText text(value,
+                    isFixed        ? std::chars_format::fixed
+                    : isScientific ? std::chars_format::scientific
+                                   : std::chars_format::general,
+                    std::min(wanted, MaxPrecision));
+    int zeros = 0; // digits of the fraction that have not been printed
+    if (tidy && isGeneral)
+        text.AddFraction();
+    else if (tidy)
+        text.RemoveTrailingZeros();
+    else if (!isGeneral)
+        zeros = std::max(wanted - MaxPrecision, 0);
+    text.RemoveSignOfZero();
+    if (format == 'E' || format == 'G')
+        text.MakeUpperCase();
+
+    TCodeUnit *out = storage.setLengthForOverwrite(
+        StringStorage::checkedLength(text.end() - text.begin() + std::int64_t{zeros}));
+    out = std::copy(text.begin(), text.Exponent(), out);
+    out = std::fill_n(out, zeros, TCodeUnit{u'0'});
+    std::copy(text.Exponent(), text.end(), out);
+}
+
 } // namespace
 
 TStringCore NumberFunctions::number(long long value, int base, int fieldWidth, TCodeUnit fill)
@@ -260,41 +307,27 @@ TStringCore NumberFunctions::number(unsigned long value, int base, int fieldWidt
 
 TStringCore NumberFunctions::number(double value, char format, int precision, bool tidy)
 {
-    if (std::isnan(value))
-        return "nan";
-    if (std::isinf(value))
-        return value < 0 ? "-inf" : "inf";
-
-    bool const isFixed = format == 'f' || format == 'F';
-    bool const isScientific = format == 'e' || format == 'E';
-    bool const isGeneral = !isFixed && !isScientific;
-    int const wanted = precision < 0 ? 6 : precision;
-
-    // An exponent comes with two digits or as many more as it needs, and "g" without zeros at the end of a
-    // fraction, so neither needs mending.
-    DoubleText text(value,
-                    isFixed        ? std::chars_format::fixed
-                    : isScientific ? std::chars_format::scientific
-                                   : std::chars_format::general,
-                    std::min(wanted, MaxPrecision));
-    int zeros = 0; // digits of the fraction that have not been printed
-    if (tidy && isGeneral)
-        text.AddFraction();
-    else if (tidy)
-        text.RemoveTrailingZeros();
-    else if (!isGeneral)
-        zeros = std::max(wanted - MaxPrecision, 0);
-    text.RemoveSignOfZero();
-    if (format == 'E' || format == 'G')
-        text.MakeUpperCase();
-
     StringStorage result;
-    TCodeUnit *out = result.setLengthForOverwrite(
-        StringStorage::checkedLength(text.end() - text.begin() + std::int64_t{zeros}));
-    out = std::copy(text.begin(), text.Exponent(), out);
-    out = std::fill_n(out, zeros, TCodeUnit{u'0'});
-    std::copy(text.Exponent(), text.end(), out);
+    WriteDouble(result, value, format, precision, tidy);
     return StringAccess::Adopt(std::move(result));
+}
+
+TStringCore &TStringCore::setNum(long long value, int base)
+{
+    WriteInteger(m_storage, value, base, 0, u' ');
+    return *this;
+}
+
+TStringCore &TStringCore::setNum(unsigned long long value, int base)
+{
+    WriteInteger(m_storage, value, base, 0, u' ');
+    return *this;
+}
+
+TStringCore &TStringCore::setNum(double value, char format, int precision, bool tidy)
+{
+    WriteDouble(m_storage, value, format, precision, tidy);
+    return *this;
 }
 
 TStringCore NumberFunctions::pointer(void const *address, bool prefix, bool upperCase)

@@ -9,7 +9,6 @@
 
 using vansys::detail::StringStorage;
 using vansys::detail::TwinText;
-using vansys::detail::UnitSet;
 
 namespace
 {
@@ -42,6 +41,27 @@ int LengthWhile(Element const *text, Accepts accepts)
     while (end && *end && accepts(*end))
         ++end;
     return StringStorage::checkedLength(end - text);
+}
+
+/// The length of the elements that are in the set, or that are not.
+int LengthOfMembers(TCodeUnit const *text, TScanStringCore::Text const &set, bool areMembers)
+{
+    return vansys::detail::WithSet(set,
+                                   [&](auto const &members)
+                                   {
+                                       TCodeUnit const *next = OrEmpty(text);
+                                       TCodeUnit const *const begin = next;
+                                       while (*next)
+                                       {
+                                           // A zero behind a surrogate is no partner: there is no need to
+                                           // know the end.
+                                           int const length = members.LengthAt(next, nullptr);
+                                           if (members.Contains(next, length) != areMembers)
+                                               break;
+                                           next += length;
+                                       }
+                                       return StringStorage::checkedLength(next - begin);
+                                   });
 }
 
 /// The length of an integer with a sign in front of it. `lengthInt` measures one in base 10 only; the readers
@@ -102,14 +122,12 @@ int MeasureTwin(TWideTwin const *text, Measure measure)
 
 int TScanStringCore::lengthAnyOf(TCodeUnit const *text, Text const &set)
 {
-    UnitSet const units(set.units(), set.length());
-    return LengthWhile(text, [&](TCodeUnit unit) { return units.contains(unit); });
+    return LengthOfMembers(text, set, true);
 }
 
 int TScanStringCore::lengthAnyNotOf(TCodeUnit const *text, Text const &set)
 {
-    UnitSet const units(set.units(), set.length());
-    return LengthWhile(text, [&](TCodeUnit unit) { return !units.contains(unit); });
+    return LengthOfMembers(text, set, false);
 }
 
 int TScanStringCore::lengthWhitespace(TCodeUnit const *text)

@@ -9,9 +9,10 @@
 #include <functional>
 
 using vansys::detail::CopyUnits;
+using vansys::detail::FindMember;
 using vansys::detail::MoveUnits;
 using vansys::detail::StringStorage;
-using vansys::detail::UnitSet;
+using vansys::detail::WithSet;
 
 namespace
 {
@@ -33,12 +34,12 @@ public:
         }
     }
 
-    TCodeUnit const *units() const noexcept { return m_units; }
+    TCodeUnit const *Units() const noexcept { return m_units; }
 
-    int length() const noexcept { return m_length; }
+    int Length() const noexcept { return m_length; }
 
     /// Writes the units. Returns how many there are.
-    int copyTo(TCodeUnit *out) const noexcept
+    int CopyTo(TCodeUnit *out) const noexcept
     {
         CopyUnits(out, m_units, m_length);
         return m_length;
@@ -59,7 +60,7 @@ struct Replaced
 /// Replaces in place, from left to right, by text that is not longer: what is written never reaches what is
 /// still to be searched. `next(from)` finds the next match.
 template <class Next>
-Replaced replaceAsFound(TCodeUnit *units, int length, int matchLength, StableText const &replacement,
+Replaced ReplaceAsFound(TCodeUnit *units, int length, int matchLength, StableText const &replacement,
                         int firstMatch, Next next)
 {
     int matches = 0;
@@ -70,7 +71,7 @@ Replaced replaceAsFound(TCodeUnit *units, int length, int matchLength, StableTex
         if (to != from)
             MoveUnits(units + to, units + from, match - from);
         to += match - from;
-        to += replacement.copyTo(units + to);
+        to += replacement.CopyTo(units + to);
         from = match + matchLength;
     }
     if (to != from)
@@ -82,7 +83,7 @@ using Places = vansys::detail::ShortList<int, 256>;
 
 /// Replaces the matches by longer text, from right to left, so that nothing is overwritten before it has been
 /// moved. There is room for `newLength` units.
-void replaceAt(Places const &places, TCodeUnit *units, int oldLength, int newLength, int matchLength,
+void ReplaceAt(Places const &places, TCodeUnit *units, int oldLength, int newLength, int matchLength,
                StableText const &replacement)
 {
     int from = oldLength;
@@ -92,10 +93,31 @@ void replaceAt(Places const &places, TCodeUnit *units, int oldLength, int newLen
         int const behind = places[i] + matchLength;
         to -= from - behind;
         MoveUnits(units + to, units + behind, from - behind);
-        to -= replacement.length();
-        replacement.copyTo(units + to);
+        to -= replacement.Length();
+        replacement.CopyTo(units + to);
         from = places[i];
     }
+}
+
+/// Replaces each member of the set by at most one unit, in place. Returns the new length.
+template <class Set>
+int ReplaceMembers(TCodeUnit *units, int first, int length, Set const &set, TCodeUnit const *replacement)
+{
+    TCodeUnit const *const end = units + length;
+    TCodeUnit *out = units + first;
+    for (TCodeUnit const *next = out; next != end;)
+    {
+        int const count = set.LengthAt(next, end);
+        bool const isMember = set.Contains(next, count);
+        for (TCodeUnit const *const behind = next + count; next != behind; ++next)
+        {
+            if (!isMember)
+                *out++ = *next;
+        }
+        if (isMember && replacement)
+            *out++ = *replacement;
+    }
+    return static_cast<int>(out - units);
 }
 
 } // namespace
@@ -118,12 +140,12 @@ TStringCore &TStringCore::replace(int position, int count, Text const &text)
     if (removed == 0 && text.isEmpty())
         return *this;
     StableText const added(text, *this);
-    int const after = StringStorage::checkedLength(std::int64_t{before} - removed + added.length());
+    int const after = StringStorage::checkedLength(std::int64_t{before} - removed + added.Length());
     if (after > before)
         m_storage.setLength(after);
     TCodeUnit *const units = m_storage.writableUnits();
-    MoveUnits(units + begin + added.length(), units + begin + removed, before - begin - removed);
-    added.copyTo(units + begin);
+    MoveUnits(units + begin + added.Length(), units + begin + removed, before - begin - removed);
+    added.CopyTo(units + begin);
     m_storage.shorten(after);
     return *this;
 }
@@ -141,51 +163,50 @@ int TStringCore::replaceCount(Text const &before, Text const &after, CaseSensiti
     StableText const old(before, *this);
     StableText const replacement(after, *this);
     auto const next = [&](int from)
-    { return findStr(constData(), length(), old.units(), old.length(), from, sensitivity); };
-    if (replacement.length() <= old.length())
+    { return findStr(constData(), length(), old.Units(), old.Length(), from, sensitivity); };
+    if (replacement.Length() <= old.Length())
     {
         Replaced const replaced =
-            replaceAsFound(m_storage.writableUnits(), length(), old.length(), replacement, firstMatch, next);
+            ReplaceAsFound(m_storage.writableUnits(), length(), old.Length(), replacement, firstMatch, next);
         m_storage.shorten(replaced.length);
         return replaced.matches;
     }
 
     Places places;
-    for (int match = firstMatch; match >= 0; match = next(match + old.length()))
+    for (int match = firstMatch; match >= 0; match = next(match + old.Length()))
         places.append(match);
     auto const matches = static_cast<int>(places.size());
     int const oldLength = length();
     int const newLength = StringStorage::checkedLength(oldLength + std::int64_t{matches} *
-                                                                       (replacement.length() - old.length()));
+                                                                       (replacement.Length() - old.Length()));
     m_storage.setLength(newLength);
-    replaceAt(places, m_storage.writableUnits(), oldLength, newLength, old.length(), replacement);
+    ReplaceAt(places, m_storage.writableUnits(), oldLength, newLength, old.Length(), replacement);
     return matches;
 }
 
 TStringCore &TStringCore::removeAnyOf(Text const &set, int start)
 {
-    int const first = findOneOf(constData(), length(), set.units(), set.length(), start);
-    if (first < 0)
-        return *this;
-    StableText const stable(set, *this);
-    UnitSet const members(stable.units(), stable.length());
-    TCodeUnit *const units = m_storage.writableUnits();
-    TCodeUnit const *const end = std::remove_if(units + first, units + length(),
-                                                [&](TCodeUnit unit) { return members.contains(unit); });
-    m_storage.shorten(static_cast<int>(end - units));
-    return *this;
+    return replaceMembers(set, nullptr, start);
 }
 
 TStringCore &TStringCore::replaceAnyOf(Text const &set, TCodeUnit unit, int start)
 {
-    int const first = findOneOf(constData(), length(), set.units(), set.length(), start);
-    if (first < 0)
-        return *this;
+    return replaceMembers(set, &unit, start);
+}
+
+TStringCore &TStringCore::replaceMembers(Text const &set, TCodeUnit const *replacement, int start)
+{
     StableText const stable(set, *this);
-    UnitSet const members(stable.units(), stable.length());
-    TCodeUnit *const units = m_storage.writableUnits();
-    std::replace_if(
-        units + first, units + length(), [&](TCodeUnit old) { return members.contains(old); }, unit);
+    WithSet(stable.Units(), stable.Length(), set.isCodePoints(),
+            [&](auto const &members)
+            {
+                TCodeUnit const *const from = cbegin() + std::clamp(start, 0, length());
+                auto const first = static_cast<int>(FindMember(from, cend(), members, true) - cbegin());
+                if (first == length())
+                    return;
+                TCodeUnit *const units = m_storage.writableUnits();
+                m_storage.shorten(ReplaceMembers(units, first, length(), members, replacement));
+            });
     return *this;
 }
 

@@ -11,10 +11,11 @@
 
 using vansys::StringFunctions;
 using vansys::detail::CopyUnits;
+using vansys::detail::FindMember;
 using vansys::detail::RawText;
 using vansys::detail::StringStorage;
 using vansys::detail::TwinText;
-using vansys::detail::UnitSet;
+using vansys::detail::WithSet;
 
 namespace
 {
@@ -24,58 +25,71 @@ struct Part
     int position;
     int length;
 
-    int end() const noexcept { return position + length; }
+    int End() const noexcept { return position + length; }
 };
+
+constexpr Part NoPart = {-1, 0};
 
 using Parts = vansys::detail::ShortList<Part, 128>;
 
 /// Cuts text at what `find(from)` finds from there on.
 template <class Find>
-void gather(Parts &parts, int length, StringFunctions::SplitBehavior behavior, int separatorLength, Find find)
+void Gather(Parts &parts, int length, StringFunctions::SplitBehavior behavior, Find find)
 {
     for (int from = 0;;)
     {
-        int const match = find(from);
-        Part const part{from, (match < 0 ? length : match) - from};
+        Part const separator = find(from);
+        bool const isLast = separator.position < 0;
+        Part const part{from, (isLast ? length : separator.position) - from};
         if (part.length > 0 || behavior == StringFunctions::KeepEmptyParts)
             parts.append(part);
-        if (match < 0)
+        if (isLast)
             return;
-        from = match + separatorLength;
+        from = separator.End();
     }
 }
 
-void gatherParts(Parts &parts, RawText text, RawText separator, StringFunctions::SplitBehavior behavior,
+void GatherParts(Parts &parts, RawText text, RawText separator, StringFunctions::SplitBehavior behavior,
                  StringFunctions::CaseSensitivity sensitivity)
 {
     if (!text.units || separator.length == 0)
         return;
-    gather(parts, text.length, behavior, separator.length,
+    Gather(parts, text.length, behavior,
            [&](int from)
            {
-               return StringFunctions::findStr(text.units, text.length, separator.units, separator.length,
-                                               from, sensitivity);
+               int const match = StringFunctions::findStr(text.units, text.length, separator.units,
+                                                          separator.length, from, sensitivity);
+               return Part{match, separator.length};
            });
 }
 
-void gatherPartsOnAny(Parts &parts, RawText text, RawText set, StringFunctions::SplitBehavior behavior)
+/// The first element at or after `from` that is in the set, or that is not.
+template <class Set>
+Part FindElement(RawText text, int from, Set const &set, bool isMember)
+{
+    if (from >= text.length)
+        return NoPart;
+    TCodeUnit const *const end = text.units + text.length;
+    TCodeUnit const *const match = FindMember(text.units + from, end, set, isMember);
+    return match == end ? NoPart : Part{static_cast<int>(match - text.units), set.LengthAt(match, end)};
+}
+
+void GatherPartsOnAny(Parts &parts, RawText text, RawText set, bool areCodePoints,
+                      StringFunctions::SplitBehavior behavior)
 {
     if (!text.units || set.length == 0)
         return;
-    UnitSet const separators(set.units, set.length);
-    gather(parts, text.length, behavior, 1,
-           [&](int from)
-           {
-               TCodeUnit const *const end = text.units + text.length;
-               TCodeUnit const *const match = std::find_if(
-                   text.units + from, end, [&](TCodeUnit unit) { return separators.contains(unit); });
-               return match == end ? -1 : static_cast<int>(match - text.units);
-           });
+    WithSet(set.units, set.length, areCodePoints,
+            [&](auto const &separators)
+            {
+                Gather(parts, text.length, behavior,
+                       [&](int from) { return FindElement(text, from, separators, true); });
+            });
 }
 
 /// What `cut(part)` makes of each part.
 template <class Cut>
-std::vector<TStringCore> copyParts(Parts const &parts, Cut cut)
+std::vector<TStringCore> CopyParts(Parts const &parts, Cut cut)
 {
     std::vector<TStringCore> result;
     result.reserve(parts.size());
@@ -84,16 +98,16 @@ std::vector<TStringCore> copyParts(Parts const &parts, Cut cut)
     return result;
 }
 
-std::vector<TStringCore> copyParts(Parts const &parts, TCodeUnit const *text)
+std::vector<TStringCore> CopyParts(Parts const &parts, TCodeUnit const *text)
 {
-    return copyParts(parts, [=](Part part) { return TStringCore(text + part.position, part.length); });
+    return CopyParts(parts, [=](Part part) { return TStringCore(text + part.position, part.length); });
 }
 
 /// The part of the text that is asked for, or an empty one.
-Part sectionOf(RawText text, RawText separator, int first, int last, StringFunctions::SectionFlags flags)
+Part SectionOf(RawText text, RawText separator, int first, int last, StringFunctions::SectionFlags flags)
 {
     Parts sections;
-    gatherParts(sections, text, separator,
+    GatherParts(sections, text, separator,
                 flags & StringFunctions::SectionSkipEmpty ? StringFunctions::SkipEmptyParts
                                                           : StringFunctions::KeepEmptyParts,
                 flags & StringFunctions::SectionCaseInsensitiveSeps ? StringFunctions::CaseInsensitive
@@ -104,7 +118,7 @@ Part sectionOf(RawText text, RawText separator, int first, int last, StringFunct
     if (firstIndex < 0 || lastIndex >= count || lastIndex < firstIndex)
         return {0, 0};
     int from = sections[static_cast<std::size_t>(firstIndex)].position;
-    int to = sections[static_cast<std::size_t>(lastIndex)].end();
+    int to = sections[static_cast<std::size_t>(lastIndex)].End();
     if (flags & StringFunctions::SectionIncludeLeadingSep && from >= separator.length)
         from -= separator.length;
     if (flags & StringFunctions::SectionIncludeTrailingSep && separator.length <= text.length - to)
@@ -119,34 +133,57 @@ enum End
     BothEnds = LeftEnd | RightEnd,
 };
 
-/// What is left of the text without the units at the ends that `isTrimmed` is true for.
-template <class IsTrimmed>
-Part trimUnits(RawText text, End ends, IsTrimmed isTrimmed)
+/// What is left of the text without the elements of the set at the ends.
+template <class Set>
+Part TrimElements(RawText text, End ends, Set const &set)
 {
-    int begin = 0;
-    int end = text.length;
-    while (ends & RightEnd && end > begin && isTrimmed(text.units[end - 1]))
-        --end;
-    while (ends & LeftEnd && begin < end && isTrimmed(text.units[begin]))
-        ++begin;
-    return {begin, end - begin};
+    TCodeUnit const *begin = text.units;
+    TCodeUnit const *end = begin + text.length;
+    while (ends & RightEnd && end != begin)
+    {
+        int const length = set.LengthBefore(end, begin);
+        if (!set.Contains(end - length, length))
+            break;
+        end -= length;
+    }
+    if (ends & LeftEnd)
+        begin = FindMember(begin, end, set, false);
+    return {static_cast<int>(begin - text.units), static_cast<int>(end - begin)};
 }
 
-Part trimSpace(RawText text, End ends)
+/// White space as a set of units.
+struct SpaceSet
 {
-    return trimUnits(text, ends, [](TCodeUnit unit) { return TCType::isSpace(unit); });
+    static bool Contains(TCodeUnit const *unit, int) noexcept { return TCType::isSpace(*unit); }
+    static constexpr int LengthAt(TCodeUnit const *, TCodeUnit const *) noexcept { return 1; }
+    static constexpr int LengthBefore(TCodeUnit const *, TCodeUnit const *) noexcept { return 1; }
+};
+
+Part TrimSpace(RawText text, End ends)
+{
+    return TrimElements(text, ends, SpaceSet());
 }
 
-Part trimSet(RawText text, End ends, RawText set)
+Part TrimSet(RawText text, End ends, TStringCore::Text const &set)
 {
-    UnitSet const members(set.units, set.length);
-    return trimUnits(text, ends, [&](TCodeUnit unit) { return members.contains(unit); });
+    return WithSet(set, [&](auto const &members) { return TrimElements(text, ends, members); });
+}
+
+/// The elements at the beginning that are in the set, or that are not.
+Part Span(RawText text, TStringCore::Text const &set, bool isMember)
+{
+    TCodeUnit const *const end = text.units + text.length;
+    return WithSet(
+        set,
+        [&](auto const &members) {
+            return Part{0, static_cast<int>(FindMember(text.units, end, members, !isMember) - text.units)};
+        });
 }
 
 /// Only the first of the two can fail: the string shares nothing after it.
-TStringCore &keep(TStringCore &text, Part part)
+TStringCore &Keep(TStringCore &text, Part part)
 {
-    text.truncate(part.end());
+    text.truncate(part.End());
     return text.removeAt(0, part.position);
 }
 
@@ -172,23 +209,21 @@ TStringCore TStringCore::mid(int position, int count) const
     return taken == length() ? *this : TStringCore(constData() + begin, taken);
 }
 
-// A position of -1, for nothing found, is the count that means all of the text.
-
 TStringCore TStringCore::spanIncluding(Text const &set) const
 {
-    return left(findOneNotOf(constData(), length(), set.units(), set.length()));
+    return left(Span(*this, set, true).length);
 }
 
 TStringCore TStringCore::spanExcluding(Text const &set) const
 {
-    return left(findOneOf(constData(), length(), set.units(), set.length()));
+    return left(Span(*this, set, false).length);
 }
 
 TStringCore StringFunctions::section(TCodeUnit const *text, int length, TCodeUnit const *separator,
                                      int separatorLength, int first, int last, SectionFlags flags)
 {
     Part const part =
-        sectionOf(RawText(text, length), RawText(separator, separatorLength), first, last, flags);
+        SectionOf(RawText(text, length), RawText(separator, separatorLength), first, last, flags);
     return part.length > 0 ? TStringCore(text + part.position, part.length) : TStringCore();
 }
 
@@ -202,7 +237,7 @@ TStringCore StringFunctions::section(TWideTwin const *text, int length, TWideTwi
 
 TStringCore TStringCore::section(Text const &separator, int first, int last, SectionFlags flags) const
 {
-    Part const part = sectionOf(*this, separator, first, last, flags);
+    Part const part = SectionOf(*this, separator, first, last, flags);
     return mid(part.position, part.length);
 }
 
@@ -210,18 +245,23 @@ TStringCore TStringCore::tokenize(Text const &separators, int &position, SplitBe
 {
     if (separators.isNull() || position < 0)
         return TStringCore();
-    int const start = behavior == SkipEmptyParts ? findOneNotOf(constData(), length(), separators.units(),
-                                                                separators.length(), position)
-                                                 : position;
-    if (start < 0)
-    {
-        position = -1;
-        return TStringCore();
-    }
-    int const end = findOneOf(constData(), length(), separators.units(), separators.length(), start);
-    TStringCore token = mid(start, end < 0 ? -1 : end - start);
-    position = end < 0 ? -1 : end + 1;
-    return token;
+    return WithSet(separators,
+                   [&](auto const &set)
+                   {
+                       int const start = behavior == SkipEmptyParts
+                                             ? FindElement(*this, position, set, false).position
+                                             : position;
+                       if (start < 0)
+                       {
+                           position = -1;
+                           return TStringCore();
+                       }
+                       Part const separator = FindElement(*this, start, set, true);
+                       bool const isLast = separator.position < 0;
+                       TStringCore token = mid(start, isLast ? -1 : separator.position - start);
+                       position = isLast ? -1 : separator.End();
+                       return token;
+                   });
 }
 
 // Splitting and joining
@@ -231,8 +271,8 @@ std::vector<TStringCore> StringFunctions::split(TCodeUnit const *text, int lengt
                                                 CaseSensitivity sensitivity)
 {
     Parts parts;
-    gatherParts(parts, RawText(text, length), RawText(separator, separatorLength), behavior, sensitivity);
-    return copyParts(parts, text);
+    GatherParts(parts, RawText(text, length), RawText(separator, separatorLength), behavior, sensitivity);
+    return CopyParts(parts, text);
 }
 
 std::vector<TStringCore> StringFunctions::split(TWideTwin const *text, int length, TWideTwin const *separator,
@@ -248,16 +288,16 @@ std::vector<TStringCore> TStringCore::split(Text const &separator, SplitBehavior
                                             CaseSensitivity sensitivity) const
 {
     Parts parts;
-    gatherParts(parts, *this, separator, behavior, sensitivity);
-    return copyParts(parts, [this](Part part) { return mid(part.position, part.length); });
+    GatherParts(parts, *this, separator, behavior, sensitivity);
+    return CopyParts(parts, [this](Part part) { return mid(part.position, part.length); });
 }
 
 std::vector<TStringCore> StringFunctions::splitOnAny(TCodeUnit const *text, int length, TCodeUnit const *set,
                                                      int setLength, SplitBehavior behavior)
 {
     Parts parts;
-    gatherPartsOnAny(parts, RawText(text, length), RawText(set, setLength), behavior);
-    return copyParts(parts, text);
+    GatherPartsOnAny(parts, RawText(text, length), RawText(set, setLength), false, behavior);
+    return CopyParts(parts, text);
 }
 
 std::vector<TStringCore> StringFunctions::splitOnAny(TWideTwin const *text, int length, TWideTwin const *set,
@@ -265,14 +305,17 @@ std::vector<TStringCore> StringFunctions::splitOnAny(TWideTwin const *text, int 
 {
     TwinText const twin(text, length);
     TwinText const members(set, setLength);
-    return splitOnAny(twin.units(), twin.length(), members.units(), members.length(), behavior);
+    Parts parts;
+    GatherPartsOnAny(parts, RawText(twin.units(), twin.length()), RawText(members.units(), members.length()),
+                     sizeof(TWideTwin) != sizeof(TCodeUnit), behavior);
+    return CopyParts(parts, twin.units());
 }
 
 std::vector<TStringCore> TStringCore::splitOnAny(Text const &set, SplitBehavior behavior) const
 {
     Parts parts;
-    gatherPartsOnAny(parts, *this, set, behavior);
-    return copyParts(parts, [this](Part part) { return mid(part.position, part.length); });
+    GatherPartsOnAny(parts, *this, set, set.isCodePoints(), behavior);
+    return CopyParts(parts, [this](Part part) { return mid(part.position, part.length); });
 }
 
 TStringCore TStringCore::join(std::vector<TStringCore> const &parts, Text const &separator)
@@ -329,36 +372,36 @@ TStringCore TStringCore::rightJustified(int width, TCodeUnit fill, bool truncate
 
 TStringCore &TStringCore::trim()
 {
-    return keep(*this, trimSpace(*this, BothEnds));
+    return Keep(*this, TrimSpace(*this, BothEnds));
 }
 
 TStringCore &TStringCore::trimLeft()
 {
-    return keep(*this, trimSpace(*this, LeftEnd));
+    return Keep(*this, TrimSpace(*this, LeftEnd));
 }
 
 TStringCore &TStringCore::trimRight()
 {
-    return keep(*this, trimSpace(*this, RightEnd));
+    return Keep(*this, TrimSpace(*this, RightEnd));
 }
 
 TStringCore &TStringCore::trim(Text const &set)
 {
-    return keep(*this, trimSet(*this, BothEnds, set));
+    return Keep(*this, TrimSet(*this, BothEnds, set));
 }
 
 TStringCore &TStringCore::trimLeft(Text const &set)
 {
-    return keep(*this, trimSet(*this, LeftEnd, set));
+    return Keep(*this, TrimSet(*this, LeftEnd, set));
 }
 
 TStringCore &TStringCore::trimRight(Text const &set)
 {
-    return keep(*this, trimSet(*this, RightEnd, set));
+    return Keep(*this, TrimSet(*this, RightEnd, set));
 }
 
 TStringCore TStringCore::trimmed() const
 {
-    Part const part = trimSpace(*this, BothEnds);
+    Part const part = TrimSpace(*this, BothEnds);
     return mid(part.position, part.length);
 }

@@ -11,6 +11,7 @@
 
 using vansys::StringFunctions;
 using vansys::detail::RawText;
+using vansys::detail::TwinText;
 using vansys::detail::UnitSet;
 
 namespace
@@ -90,16 +91,34 @@ int findBackwards(RawText text, RawText needle, int start,
                : findByStep<Exactly>(text.units, last, -1, -1, needle);
 }
 
-/// The first unit that is in the set, or that is not.
-int findMember(RawText text, RawText set, int start, bool isMember) noexcept
+/// The first element at or after `start` that is in the set, or that is not.
+template <class Set>
+int FindMemberFrom(RawText text, int start, Set const &set, bool isMember) noexcept
 {
-    UnitSet const members(set.units, set.length);
-    for (int place = std::max(start, 0); place < text.length; ++place)
-    {
-        if (members.contains(text.units[place]) == isMember)
-            return place;
-    }
-    return NotFound;
+    int const from = std::max(start, 0);
+    if (from >= text.length)
+        return NotFound;
+    TCodeUnit const *const end = text.units + text.length;
+    TCodeUnit const *const match = vansys::detail::FindMember(text.units + from, end, set, isMember);
+    return match == end ? NotFound : static_cast<int>(match - text.units);
+}
+
+int FindUnit(RawText text, RawText set, int start, bool isMember) noexcept
+{
+    return FindMemberFrom(text, start, UnitSet(set.units, set.length), isMember);
+}
+
+/// Finds an element of twin text, which is a unit where the twin is one.
+int FindTwinElement(TwinText const &text, TwinText const &set, int start, bool isMember)
+{
+    constexpr bool AreCodePoints = sizeof(TWideTwin) != sizeof(TCodeUnit);
+    return vansys::detail::WithSet(set.units(), set.length(), AreCodePoints,
+                                   [&](auto const &members)
+                                   {
+                                       return text.position(
+                                           FindMemberFrom(RawText(text.units(), text.length()),
+                                                          text.unitPosition(start), members, isMember));
+                                   });
 }
 
 } // namespace
@@ -119,13 +138,25 @@ int StringFunctions::findChar(TCodeUnit const *text, int length, TCodeUnit unit,
 int StringFunctions::findOneOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
                                int start)
 {
-    return findMember(RawText(text, length), RawText(set, setLength), start, true);
+    return FindUnit(RawText(text, length), RawText(set, setLength), start, true);
 }
 
 int StringFunctions::findOneNotOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
                                   int start)
 {
-    return findMember(RawText(text, length), RawText(set, setLength), start, false);
+    return FindUnit(RawText(text, length), RawText(set, setLength), start, false);
+}
+
+int StringFunctions::findOneOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
+                               int start)
+{
+    return FindTwinElement(TwinText(text, length), TwinText(set, setLength), start, true);
+}
+
+int StringFunctions::findOneNotOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,
+                                  int start)
+{
+    return FindTwinElement(TwinText(text, length), TwinText(set, setLength), start, false);
 }
 
 int TStringCore::indexOf(Text const &text, int start, CaseSensitivity sensitivity) const noexcept
