@@ -20,68 +20,68 @@ namespace
 
 constexpr char LongUtf8[] = "%1 is an argument or a format that is too long to be held inline";
 
+/// Runs each operation on what `make` puts there, with every allocation failing in turn.
+template <class Object>
+void FailEach(std::function<void(std::optional<Object> &)> const &make,
+              std::vector<std::function<void(Object &)>> const &operations,
+              std::function<void(Object &)> const &check)
+{
+    for (auto const &operation : operations)
+    {
+        std::optional<Object> object;
+        EXPECT_GE(
+            failEachAllocation([&] { make(object); }, [&] { operation(*object); }, [&] { check(*object); }),
+            1);
+    }
+}
+
 } // namespace
 
 TEST(FormatAllocationFailure, FormatsStayAsTheyWere)
 {
     using Format = TFormatStringCore;
     TStringCore const longText(LongUtf8);
-    std::function<void(Format &)> const operations[] = {
-        [&](Format &f) { f.arg(longText); },
-        [&](Format &f) { f.arg(longText, 100); },
-        [&](Format &f) { f.arg(longText, -100); },
-        [](Format &f) { f.arg(LongUtf8); },
-        [&](Format &f) { f.arg(longText, longText, LongUtf8); },
-        [&](Format &f) { f.arg(std::vector<TStringCore>(3, longText)); },
-        [](Format &f) { f.arg(1.0, 0, 'f', 50); },
-        [](Format &f) { f = LongUtf8; },
-        [](Format &f) { f = TStringCore(u"%1 %2 %3"); },
-        [](Format &f) { f = Format(u"%1%1%1%1%1%1%1%1%1%1%1%1%1%1%1%1%1").arg(u"x"); },
-        [](Format &f) { (void)f.result(); },
-        [&](Format &) { (void)FormatText("%1 in a text that is too long to be held inline", longText); },
-    };
-    for (auto const &operation : operations)
-    {
-        std::optional<Format> format;
-        int const failures = failEachAllocation(
-            [&]
-            {
-                format.emplace(u"%1 is text that is kept, and so is %2");
-                format->arg(u"this", u"that");
-            },
-            [&] { operation(*format); },
-            [&]
-            {
-                EXPECT_EQ(format->result(), u"this is text that is kept, and so is that");
-                *format = u"%3";
-                EXPECT_THROW(format->result(), Format::Exception) << "two arguments are bound";
-            });
-        EXPECT_GE(failures, 1);
-    }
+    FailEach<Format>(
+        [](std::optional<Format> &format)
+        {
+            format.emplace(u"%1 is text that is kept, and so is %2");
+            format->arg(u"this", u"that");
+        },
+        {
+            [&](Format &f) { f.arg(longText, 100); },
+            [&](Format &f) { f.arg(longText, longText, LongUtf8); },
+            [&](Format &f) { f.arg(std::vector<TStringCore>(3, longText)); },
+            [](Format &f) { f.arg(1.0, 0, 'f', 50); },
+            [](Format &f) { f = LongUtf8; },
+            [](Format &f) { f = TStringCore(u"%1 %2 %3"); },
+            [](Format &f) { f = Format(u"%1%1%1%1%1%1%1%1%1%1%1%1%1%1%1%1%1").arg(u"x"); },
+            [](Format &f) { (void)f.result(); },
+            [&](Format &) { (void)FormatText("%1 in a text that is too long to be held inline", longText); },
+        },
+        [](Format &format)
+        {
+            EXPECT_EQ(format.result(), u"this is text that is kept, and so is that");
+            format = u"%3";
+            EXPECT_THROW(format.result(), Format::Exception) << "two arguments are bound";
+        });
 }
 
 TEST(FormatAllocationFailure, ExceptionsKeepBothStacks)
 {
+    using Exception = VantrelException;
     TFormatStringCore const format = TFormatStringCore(LongUtf8).arg(u"this");
-    std::function<void(VantrelException &)> const operations[] = {
-        [&](VantrelException &e) { e.StackMessage(format); },
-        [&](VantrelException &e) { e.StackMessageFront(format); },
-        [&](VantrelException &e) { e.SetMessage(format); },
-        [&](VantrelException &e) { e = VantrelException(format); },
-        [](VantrelException &e) { e = VantrelException(std::runtime_error(LongUtf8)); },
-    };
-    for (auto const &operation : operations)
-    {
-        std::optional<VantrelException> exception;
-        int const failures = failEachAllocation(
-            [&] { exception.emplace(TFormatStringCore(u"<%1>").arg(u"x")); }, [&] { operation(*exception); },
-            [&]
-            {
-                EXPECT_EQ(exception->GetMessages(), std::list<TStringCore>{u"<x>"});
-                EXPECT_EQ(exception->GetRedactedMessages(), std::list<TStringCore>{u"<%1>"});
-            });
-        EXPECT_GE(failures, 1);
-    }
+    FailEach<Exception>([](std::optional<Exception> &e) { e.emplace(TFormatStringCore(u"<%1>").arg(u"x")); },
+                        {
+                            [&](Exception &e) { e.StackMessage(format); },
+                            [&](Exception &e) { e.StackMessageFront(format); },
+                            [&](Exception &e) { e.SetMessage(format); },
+                            [](Exception &e) { e = Exception(std::runtime_error(LongUtf8)); },
+                        },
+                        [](Exception &e)
+                        {
+                            EXPECT_EQ(e.GetMessages(), std::list<TStringCore>{u"<x>"});
+                            EXPECT_EQ(e.GetRedactedMessages(), std::list<TStringCore>{u"<%1>"});
+                        });
 }
 
 /// Where the code page cannot be asked, the text of a foreign exception is taken for UTF-8.
@@ -95,38 +95,26 @@ TEST(FormatAllocationFailure, ForeignExceptionsAreConvertedInAnotherWay)
 
 TEST(FormatAllocationFailure, ScannersStayWhereTheyWere)
 {
-    std::function<void(TScanStringCore &, TStringCore &)> const operations[] = {
-        [](TScanStringCore &s, TStringCore &out) { s.readString(out, -1); },
-        [](TScanStringCore &s, TStringCore &out) { s.readLine(out); },
-        [](TScanStringCore &s, TStringCore &) { s.skip("000000000000000000000000000000000000000042"); },
-        [](TScanStringCore &s, TStringCore &)
+    static TStringCore const text(u"> 000000000000000000000000000000000000000042 is the answer");
+    static TStringCore out;
+    static double number;
+    static int integer;
+    FailEach<TScanStringCore>(
+        [](std::optional<TScanStringCore> &scan)
         {
-            int value = 0;
-            s.readInt(value);
+            scan.emplace(text).skip("> ");
+            out = TStringCore(u"before"); // by move, which gives the block back
         },
-        [](TScanStringCore &s, TStringCore &)
         {
-            double value = 0;
-            s.readFloat(value);
+            [](TScanStringCore &s) { s.readString(out, -1); },
+            [](TScanStringCore &s) { s.readLine(out); },
+            [](TScanStringCore &s) { s.skip("000000000000000000000000000000000000000042"); },
+            [](TScanStringCore &s) { s.readInt(integer); },
+            [](TScanStringCore &s) { s.readFloat(number); },
         },
-    };
-    TStringCore const text(u"> 000000000000000000000000000000000000000042 is the answer");
-    for (auto const &operation : operations)
-    {
-        TScanStringCore scan(text);
-        TStringCore out;
-        int const failures = failEachAllocation(
-            [&]
-            {
-                scan.reset().skip("> ");
-                out = u"before";
-            },
-            [&] { operation(scan, out); },
-            [&]
-            {
-                EXPECT_EQ(scan.index(), 2);
-                EXPECT_EQ(out, u"before");
-            });
-        EXPECT_GE(failures, 1);
-    }
+        [](TScanStringCore &scan)
+        {
+            EXPECT_EQ(scan.index(), 2);
+            EXPECT_EQ(out, u"before");
+        });
 }

@@ -1,9 +1,11 @@
 #include "vansys/TScanStringCore.h"
 
+#include "support/FailureMessage.h"
 #include "support/RecordedAssertions.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 #include <functional>
 #include <limits>
@@ -14,20 +16,12 @@
 namespace
 {
 
-/// The message of the exception that `action` throws; empty when it throws none.
-TStringCore FailureOf(std::function<void()> const &action)
+using Scan = TScanStringCore;
+
+template <class Action>
+TStringCore FailureOf(Action const &action)
 {
-    try
-    {
-        action();
-    }
-    catch (TScanStringCore::Exception const &exception)
-    {
-        EXPECT_EQ(exception.GetMessages().size(), 1u);
-        EXPECT_TRUE(exception.GetRedactedMessages().empty());
-        return exception.GetMessagesFront();
-    }
-    return TStringCore();
+    return FailureMessage<Scan::Exception>(action);
 }
 
 std::vector<TWideTwin> TwinOf(TStringCore const &text)
@@ -41,113 +35,75 @@ constexpr char NoNewline[] = "TScanStringCore::lengthNewLine: No new line found.
 constexpr char NoBool[] = "TScanStringCore::lengthBool: Boolean value not found.";
 constexpr char NoInt[] = "TScanStringCore::lengthInt: Integer value not found.";
 constexpr char NoFloat[] = "TScanStringCore::lengthFloat: Float value not found.";
-constexpr int Fails = -1;
-
 } // namespace
 
-/// Each function over both wide types, and the skip of the same name.
+/// Each function over both wide types, and the skip of the same name. In the texts, which bars divide, the
+/// item reaches to the "^"; where there is none, the function fails.
 TEST(TScanStringCore, Measures)
 {
-    struct Item
-    {
-        TStringCore text;
-        int length;
-    };
-
     struct Row
     {
         std::function<int(TCodeUnit const *)> measure;
         std::function<int(TWideTwin const *)> measureTwin;
-        std::function<void(TScanStringCore &)> skip;
+        std::function<void(Scan &)> skip;
         char const *failure;
-        std::vector<Item> items;
+        TStringCore texts;
     };
 
 #define FUNCTION(name, ...)                                                                                  \
-    [](TCodeUnit const *text) { return TScanStringCore::length##name(text __VA_OPT__(, ) __VA_ARGS__); },    \
-        [](TWideTwin const *text)                                                                            \
-    { return TScanStringCore::length##name(text __VA_OPT__(, ) __VA_ARGS__); },                              \
-        [](TScanStringCore &scan) { scan.skip##name(__VA_ARGS__); }
+    [](TCodeUnit const *text) { return Scan::length##name(text __VA_OPT__(, ) __VA_ARGS__); },               \
+        [](TWideTwin const *text) { return Scan::length##name(text __VA_OPT__(, ) __VA_ARGS__); },           \
+        [](Scan &scan) { scan.skip##name(__VA_ARGS__); }
 
     Row const rows[] = {
-        {FUNCTION(AnyOf, u"ab\u20AC"), "", {{u"", 0}, {u"ba\u20ACab", 5}, {u"abc", 2}, {u"cab", 0}}},
-        {FUNCTION(AnyOf, nullptr), "", {{u"ab", 0}}},
-        {FUNCTION(AnyOf, TStringCore(u"\0a", 2)), "", {{u"aa", 2}}},
-        {FUNCTION(AnyNotOf, 'b'), "", {{u"xyzb", 3}, {u"xyz", 3}, {u"b", 0}}},
-        {FUNCTION(Whitespace), "", {{u" \t\r\n\u00A0\u3000x", 6}, {u"x ", 0}}},
-        {FUNCTION(NonWhitespace), "", {{u"x\u20AC y", 2}, {u" x", 0}, {TStringCore(u'x', 300), 300}}},
-        {FUNCTION(String, 3), "", {{u"ab", 2}, {u"abcd", 3}}},
-        {FUNCTION(String, -1), "", {{u"", 0}, {u"abcd", 4}}},
-        {FUNCTION(Line), "", {{u"ab\r\nc", 3}, {u"ab\r", 3}, {u"\nab", 0}}},
-        {FUNCTION(Newline),
-         NoNewline,
-         {{u"", 0}, {u"\r\n\n", 2}, {u"\n\r\n", 2}, {u"\n\n", 1}, {u"\rx", 1}, {u"x\n", Fails}}},
-        {FUNCTION(Bool),
-         NoBool,
-         {{u"10", 1},
-          {u"00", 1},
-          {u"TRUEst", 4},
-          {u"False", 5},
-          {u"YES", 3},
-          {u"nope", 2},
-          {u"tru", Fails},
-          {u"y", Fails},
-          {u" 1", Fails},
-          {u"", Fails}}},
-        {FUNCTION(Int),
-         NoInt,
-         {{u"-12x", 3}, {u"7", 1}, {u"0x1F", 1}, {u"-", Fails}, {u" 1", Fails}, {u"", Fails}}},
-        {FUNCTION(Int, 0), NoInt, {{u"7 ", 1}, {u"0x1F.", 4}, {u" 7", Fails}, {u"", Fails}}},
-        {FUNCTION(Int, 16), NoInt, {{u"fFg", 2}, {u"0x1Fx", 4}, {u"0x", Fails}, {u"-1", Fails}}},
-        {FUNCTION(Float),
-         NoFloat,
-         {{u"1.5e3,", 5},
-          {u"-.5.5", 3},
-          {u"1e+", 1},
-          {u"infinite", 3},
-          {u"infinity", 8},
-          {u".", Fails},
-          {u"", Fails}}},
+        {FUNCTION(AnyOf, u"ab\u20AC"), "", u"^|ba\u20ACab^|ab^c|^cab"},
+        {FUNCTION(AnyOf, nullptr), "", u"^ab"},
+        {FUNCTION(AnyNotOf, 'b'), "", u"xyz^b|xyz^|^b"},
+        {FUNCTION(Whitespace), "", u" \t\r\n\u00A0\u3000^x|^x "},
+        {FUNCTION(NonWhitespace), "",
+         TStringCore(u"x\u20AC^ y|^ x|").append(TStringCore(u'x', 300)).append('^')},
+        {FUNCTION(String, 3), "", u"ab^|abc^d"},
+        {FUNCTION(String, -1), "", u"^|abcd^"},
+        {FUNCTION(Line), "", u"ab\r^\nc|ab\r^|^\nab"},
+        {FUNCTION(Newline), NoNewline, u"^|\r\n^\n|\n\r^\n|\n^\n|\r^x|x\n"},
+        {FUNCTION(Bool), NoBool, u"1^0|0^0|TRUE^st|False^|YES^|no^pe|tru| 1|"},
+        {FUNCTION(Int), NoInt, u"-12^x|7^|0^x1F|-| 1|"},
+        {FUNCTION(Int, 0), NoInt, u"7^ |0x1F^.| 7|"},
+        {FUNCTION(Int, 16), NoInt, u"fF^g|0x1F^x|0x|-1"},
+        {FUNCTION(Float), NoFloat, u"1.5e3^,|-.5^.5|1^e+|inf^inite|infinity^|.|"},
     };
 #undef FUNCTION
-    int index = 0;
     for (Row const &row : rows)
     {
-        for (Item const &item : row.items)
+        for (TStringCore const &marked : row.texts.split(u'|'))
         {
-            SCOPED_TRACE(testing::Message() << "row " << index << ", " << testing::PrintToString(item.text));
-            char const *const failure = item.length == Fails ? row.failure : "";
-            int length = Fails;
-            EXPECT_EQ(FailureOf([&] { length = row.measure(item.text.constData()); }), failure);
-            EXPECT_EQ(length, item.length);
-            length = Fails;
-            EXPECT_EQ(FailureOf([&] { length = row.measureTwin(TwinOf(item.text).data()); }), failure);
-            EXPECT_EQ(length, item.length);
-
-            TStringCore const text = TStringCore(u"<< ").append(item.text);
-            TScanStringCore scan(text);
+            SCOPED_TRACE(testing::PrintToString(marked) + " of " + testing::PrintToString(row.texts));
+            int const expected = marked.indexOf(u'^');
+            char const *const failure = expected < 0 ? row.failure : "";
+            TStringCore const text = TStringCore(u"<< ").append(TStringCore(marked).removeAll(u'^'));
+            std::vector<TWideTwin> const twin = TwinOf(text);
+            Scan scan(text);
             scan.skip(u"<< ");
+            int length = -1, twinLength = -1;
+            EXPECT_EQ(FailureOf([&] { length = row.measure(text.constData() + 3); }), failure);
+            EXPECT_EQ(FailureOf([&] { twinLength = row.measureTwin(twin.data() + 3); }), failure);
             EXPECT_EQ(FailureOf([&] { row.skip(scan); }), failure);
-            EXPECT_EQ(scan.index(), 3 + std::max(item.length, 0));
+            EXPECT_TRUE(length == expected && twinLength == expected) << length << ", " << twinLength;
+            EXPECT_EQ(scan.index(), 3 + std::max(expected, 0));
         }
-        ++index;
     }
-    // The counts of the other type are its own.
-    EXPECT_EQ(TScanStringCore::lengthNonWhitespace(L"\U0001F600\U0001F600 "), sizeof(wchar_t) == 2 ? 4 : 2);
-    EXPECT_EQ(TScanStringCore::lengthString(L"\U0001F600\U0001F600 ", 2), 2);
-    EXPECT_EQ(TScanStringCore::lengthLine(static_cast<TCodeUnit const *>(nullptr)), 0);
-    EXPECT_EQ(TScanStringCore::lengthFloat(TwinOf(TStringCore(u'7', 200).append("e+x")).data()), 200);
+    // The counts of the other type are its own. It is looked at in portions, which must not cut an item.
+    EXPECT_EQ(Scan::lengthNonWhitespace(L"\U0001F600\U0001F600 "), sizeof(wchar_t) == 2 ? 4 : 2);
+    EXPECT_EQ(Scan::lengthString(L"\U0001F600\U0001F600 ", 2), 2);
     for (int digits = 1; digits < 200; ++digits)
-        EXPECT_EQ(TScanStringCore::lengthFloat(TwinOf(TStringCore(u'7', digits).append("e+5 ")).data()),
-                  digits + 3);
-    EXPECT_THROW(TScanStringCore::lengthInt(TStringCore(u"7"), 0), TStringCore::Exception)
-        << "base 0 wants two units";
+        EXPECT_EQ(Scan::lengthFloat(TwinOf(TStringCore(u'7', digits).append("e+5 ")).data()), digits + 3);
+    EXPECT_EQ(Scan::lengthLine(static_cast<TCodeUnit const *>(nullptr)), 0);
+    EXPECT_THROW(Scan::lengthInt(TStringCore(u"7"), 0), TStringCore::Exception) << "base 0 wants two units";
 }
 
 /// Each function has to do with its item, and not with all that follows.
 TEST(TScanStringCore, CostsWhatTheItemCosts)
 {
-    using Scan = TScanStringCore;
     static int number;
     static double value;
     static TStringCore text;
@@ -187,25 +143,20 @@ TEST(TScanStringCore, ReadsInAChain)
     bool flag = false;
     double number = 0;
     float large = 0, infinite = 0;
-    TScanStringCore scan(text);
+    Scan scan(text);
     scan.readAnyOf(key, "eky").skip(" = ").readNonWhitespace(value).skip(u' ').readInt(decimal).skip(L", ");
     scan.readInt(hexadecimal, 0).skipWhitespace().readBool(flag).skipWhitespace().readFloat(number);
     scan.skipWhitespace().readFloat(large).skipWhitespace().readFloat(infinite);
-    EXPECT_EQ(scan.str()[scan.index()], u';');
-    TScanStringCore copy = scan;
-    scan.skipAnyOf(u";").readString(rest, -1).end();
+    Scan copy = scan;
+    EXPECT_EQ(scan.skipAnyOf(u";").readString(rest, -1).end().index(), text.length());
     EXPECT_EQ(TStringCore::join({key, value, rest}, u","), u"key,value,end");
     EXPECT_TRUE(decimal == 42 && hexadecimal == 0x2A && flag && number == 2.5);
     EXPECT_EQ(large, std::numeric_limits<float>::infinity());
     EXPECT_EQ(infinite, -std::numeric_limits<float>::infinity());
-    EXPECT_EQ(scan.index(), text.length());
-    EXPECT_EQ(scan.str(), text.constData()) << "borrowed";
-
     copy.readAnyNotOf(rest, u"d").readString(value, 100);
-    EXPECT_EQ(rest, u";;en");
-    EXPECT_EQ(value, u"d");
-    copy = TScanStringCore(rest);
-    EXPECT_EQ(copy.skipString(2).reset().index(), 0);
+    EXPECT_EQ(TStringCore::join({rest, value}, u","), u";;en,d");
+    EXPECT_EQ(copy.reset().index(), 0);
+    EXPECT_EQ(copy.str(), text.constData()) << "borrowed";
 }
 
 TEST(TScanStringCore, ReadsWhatNumberWrites)
@@ -217,23 +168,15 @@ TEST(TScanStringCore, ReadsWhatNumberWrites)
         {
             TStringCore const text = TStringCore::number(number, base).append(u'|');
             long long value = 77;
-            EXPECT_EQ(TScanStringCore(text).readInt(value, base).skip('|').index(), text.length());
+            EXPECT_EQ(Scan(text).readInt(value, base).skip('|').index(), text.length());
             EXPECT_EQ(value, number) << "base " << base;
         }
     }
     signed char small = 0;
     unsigned long long greatest = 0;
-    TStringCore const text = u"+0x1F -10|18446744073709551615 7,";
-    TScanStringCore(text)
-        .readInt(small, 16)
-        .skip(" ")
-        .readInt(small, 2)
-        .skip("|")
-        .readInt(greatest)
-        .skip(" ")
-        .readInt(small, 0)
-        .skip(',')
-        .end();
+    TStringCore const text = u"18446744073709551615 -10,+0x1F|7|";
+    Scan(text).readInt(greatest).skip(" ").readInt(small, 2).skip(",").readInt(small, 16).skip("|").readInt(
+        small, 0);
     EXPECT_EQ(greatest, std::numeric_limits<unsigned long long>::max());
     EXPECT_EQ(small, 7);
 }
@@ -250,7 +193,7 @@ TEST(TScanStringCore, ReadsLines)
                                                {u"none", u"none"}})
     {
         SCOPED_TRACE(testing::PrintToString(row[0]));
-        TScanStringCore scan(row[0]);
+        Scan scan(row[0]);
         TStringCore line;
         for (std::size_t i = 1; i < row.size(); ++i)
         {
@@ -264,75 +207,69 @@ TEST(TScanStringCore, ReadsLines)
 
 TEST(TScanStringCore, FailuresLeaveCursorAndOutput)
 {
+    struct Outputs
+    {
+        bool operator==(Outputs const &) const = default;
+
+        bool flag = true;
+        int number = 77;
+        unsigned char byte = 77;
+        unsigned long long wide = 77;
+        float single = 77;
+        double twice = 77;
+    };
+
+    using O = Outputs;
     struct Row
     {
         TStringCore text; ///< after the first unit
-        std::function<void(TScanStringCore &)> read;
+        std::function<void(Scan &, Outputs &)> read;
         char const *failure;
     };
 
-    static bool flag;
-    static int number;
-    static unsigned char byte;
-    static unsigned long long wide;
-    static float single;
-    static double twice;
-    constexpr char noInt[] = "TScanStringCore::readInt: Integer value not found.";
-    constexpr char outOfRange[] = "TScanStringCore::readInt: Integer value out of range.";
-    constexpr char mismatch[] = "TScanStringCore::skip: String mismatch.";
     Row const rows[] = {
-        {u"maybe", [](TScanStringCore &s) { s.readBool(flag); }, NoBool},
-        {u"x", [](TScanStringCore &s) { s.readInt(number); }, noInt},
-        {u"--1", [](TScanStringCore &s) { s.readInt(number, 8); }, noInt},
-        {u"2147483648", [](TScanStringCore &s) { s.readInt(number); }, outOfRange},
-        {u"-2147483649", [](TScanStringCore &s) { s.readInt(number); }, outOfRange},
-        {u"256", [](TScanStringCore &s) { s.readInt(byte); }, outOfRange},
-        {u"-f", [](TScanStringCore &s) { s.readInt(wide, 16); }, outOfRange},
-        {u"18446744073709551616", [](TScanStringCore &s) { s.readInt(wide); }, outOfRange},
-        {u"129", [](TScanStringCore &s) { s.readInt(number, 8); }, outOfRange},
-        {u"x", [](TScanStringCore &s) { s.readFloat(single); },
-         "TScanStringCore::readFloat: Float value not found."},
-        {u"+", [](TScanStringCore &s) { s.readFloat(twice); },
-         "TScanStringCore::readDouble: Float value not found."},
-        {u"Key", [](TScanStringCore &s) { s.skip(u"key"); }, mismatch},
-        {u"ke", [](TScanStringCore &s) { s.skip(TStringCore(u"ke\0", 3)); }, mismatch},
-        {u" ", [](TScanStringCore &s) { s.end(); }, "TScanStringCore::end(): Expected null character."},
+        {u"maybe", [](Scan &s, O &o) { s.readBool(o.flag); }, "lengthBool: Boolean value not found."},
+        {u"x", [](Scan &s, O &o) { s.readInt(o.number); }, "readInt: Integer value not found."},
+        {u"--1", [](Scan &s, O &o) { s.readInt(o.number, 8); }, "readInt: Integer value not found."},
+        {u"2147483648", [](Scan &s, O &o) { s.readInt(o.number); }, "readInt: Integer value out of range."},
+        {u"-2147483649", [](Scan &s, O &o) { s.readInt(o.number); }, "readInt: Integer value out of range."},
+        {u"256", [](Scan &s, O &o) { s.readInt(o.byte); }, "readInt: Integer value out of range."},
+        {u"-f", [](Scan &s, O &o) { s.readInt(o.wide, 16); }, "readInt: Integer value out of range."},
+        {u"129", [](Scan &s, O &o) { s.readInt(o.number, 8); }, "readInt: Integer value out of range."},
+        {u"x", [](Scan &s, O &o) { s.readFloat(o.single); }, "readFloat: Float value not found."},
+        {u"+", [](Scan &s, O &o) { s.readFloat(o.twice); }, "readDouble: Float value not found."},
+        {u"Key", [](Scan &s, O &) { s.skip(u"key"); }, "skip: String mismatch."},
+        {u"ke", [](Scan &s, O &) { s.skip(TStringCore(u"ke\0", 3)); }, "skip: String mismatch."},
+        {u" ", [](Scan &s, O &) { s.end(); }, "end(): Expected null character."},
     };
     for (Row const &row : rows)
     {
         SCOPED_TRACE(testing::PrintToString(row.text));
-        flag = true;
-        number = byte = 77;
-        wide = 77;
-        twice = single = 77;
         TStringCore const text = TStringCore(u"|").append(row.text);
-        TScanStringCore scan(text);
+        Scan scan(text);
         scan.skipString(1);
-        EXPECT_EQ(FailureOf([&] { row.read(scan); }), row.failure);
+        Outputs outputs;
+        EXPECT_EQ(FailureOf([&] { row.read(scan, outputs); }),
+                  TStringCore("TScanStringCore::").append(row.failure));
         EXPECT_EQ(scan.index(), 1);
-        EXPECT_TRUE(flag && number == 77 && byte == 77 && wide == 77 && single == 77 && twice == 77);
+        EXPECT_TRUE(outputs == Outputs());
     }
 }
 
-TEST(TScanStringCore, ReportsNull)
+TEST(TScanStringCore, ReportsNullAndThrowsItsType)
 {
     TCodeUnit const *const null = nullptr;
     std::string const report = "vansys/main/vansys/TScanStringCore:223: m_input";
     {
         RecordedAssertions const recorded;
-        TScanStringCore scan(null);
+        Scan scan(null);
         scan.reset();
         EXPECT_EQ(RecordedAssertions::Take(), std::vector<std::string>(2, report));
         TStringCore line(u"before");
         EXPECT_EQ(scan.readLine(line).skipWhitespace().skipNewline().end().str(), null);
         EXPECT_EQ(line, u"");
     }
-    EXPECT_THROW(TScanStringCore{null}, VantrelException);
-}
-
-TEST(TScanStringCore, ExceptionKeepsItsType)
-{
-    TScanStringCore::Exception const exception(u"while reading");
-    std::unique_ptr<VantrelException> const clone(exception.Clone());
-    EXPECT_THROW(clone->Throw(), TScanStringCore::Exception);
+    EXPECT_THROW(Scan{null}, VantrelException);
+    std::unique_ptr<VantrelException> const clone(Scan::Exception(u"x").Clone());
+    EXPECT_THROW(clone->Throw(), Scan::Exception) << "its own type";
 }

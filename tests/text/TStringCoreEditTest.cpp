@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <string>
@@ -18,6 +19,8 @@ namespace
 constexpr int MaxInt = std::numeric_limits<int>::max();
 constexpr int MinInt = std::numeric_limits<int>::min();
 constexpr auto AnyCase = TStringCore::CaseInsensitive;
+
+using S = TStringCore;
 
 enum Storage
 {
@@ -81,20 +84,18 @@ TEST(TStringCoreEdit, Assigns)
 {
     auto const abc = u"abcdef"sv;
     CheckRows({
-        {abc, [](TStringCore &s) { s = u"xy"; }, u"xy"},
-        {abc, [](TStringCore &s) { s = "a text of UTF-8 \xC3\xA9"; }, u"a text of UTF-8 \u00E9"},
-        {abc, [](TStringCore &s) { s = L"a text of the twin"; }, u"a text of the twin"},
-        {abc, [](TStringCore &s) { s.assign(TStringCore(u"short")); }, u"short"},
-        {abc, [](TStringCore &s) { s.assign(s.constData() + 2, 3); }, u"cde"},
-        {abc, [](TStringCore &s) { s = u'x', s.fill(L'\u00E9', 3).append('!'); }, u"\u00E9\u00E9\u00E9!"},
-        {abc, [](TStringCore &s) { s.setNum(-1234567890123456789LL); }, u"-1234567890123456789"},
-        {abc, [](TStringCore &s) { s.setNum(true).append(u",").append(TStringCore().setNum('A', 16)); },
-         u"1,41"},
-        {abc, [](TStringCore &s) { s.setNum(0.5, 'f', 20); }, u"0.50000000000000000000"},
-        {abc, [](TStringCore &s) { s.setNum(-std::numeric_limits<double>::infinity()); }, u"-inf"},
-        {abc, [](TStringCore &s) { s += s, s.append(L"wide").append("\xC3\xA9"); },
-         u"abcdefabcdefwide\u00E9"},
-        {abc, [](TStringCore &s) { s.prependBOM(), s.removeBOM(), s.resize(2); }, u"ab"},
+        {abc, [](S &s) { s = u"xy"; }, u"xy"},
+        {abc, [](S &s) { s = "a text of UTF-8 \xC3\xA9"; }, u"a text of UTF-8 \u00E9"},
+        {abc, [](S &s) { s = L"a text of the twin"; }, u"a text of the twin"},
+        {abc, [](S &s) { s.assign(TStringCore(u"short")); }, u"short"},
+        {abc, [](S &s) { s.assign(s.constData() + 2, 3); }, u"cde"},
+        {abc, [](S &s) { s = u'x', s.fill(L'\u00E9', 3).append('!'); }, u"\u00E9\u00E9\u00E9!"},
+        {abc, [](S &s) { s.setNum(-1234567890123456789LL); }, u"-1234567890123456789"},
+        {abc, [](S &s) { s.setNum(true).append(u",").append(TStringCore().setNum('A', 16)); }, u"1,41"},
+        {abc, [](S &s) { s.setNum(0.5, 'f', 20); }, u"0.50000000000000000000"},
+        {abc, [](S &s) { s.setNum(-std::numeric_limits<double>::infinity()); }, u"-inf"},
+        {abc, [](S &s) { s += s, s.append(L"wide").append("\xC3\xA9"); }, u"abcdefabcdefwide\u00E9"},
+        {abc, [](S &s) { s.prependBOM(), s.removeBOM(), s.resize(2); }, u"ab"},
     });
     TStringCore text(u"a text that stays as it is");
     EXPECT_THROW(text.setNum(7, 37), TStringCore::Exception);
@@ -105,17 +106,16 @@ TEST(TStringCoreEdit, InsertsAndRemoves)
 {
     auto const abc = u"abcdef"sv;
     CheckRows({
-        {abc, [](TStringCore &s) { s.insert(MinInt, L"XY"); }, u"XYabcdef"},
-        {abc, [](TStringCore &s) { s.insert(MaxInt, "X\xC3\xA9"); }, u"abcdefX\u00E9"},
-        {abc, [](TStringCore &s) { s.insert(3, TStringCore(u"a\0"sv)); }, u"abca\0def"sv},
-        {abc, [](TStringCore &s) { s.insert(2, u"long enough for the heap"); },
-         u"ablong enough for the heapcdef"},
-        {abc, [](TStringCore &s) { s.insert(0, s.constData() + 6).replace(2, 0, nullptr); }, abc},
-        {abc, [](TStringCore &s) { s.prepend(u'x').push_front('y').push_front(L'z'); }, u"zyxabcdef"},
-        {abc, [](TStringCore &s) { s.removeAt(1).removeAt(-1, 2); }, u"def"},
-        {abc, [](TStringCore &s) { s.removeAt(4, MaxInt).removeAt(4).removeAt(MaxInt, MaxInt); }, u"abcd"},
-        {abc, [](TStringCore &s) { s.replace(MinInt, MaxInt, 'x'); }, u"x"},
-        {abc, [](TStringCore &s) { s.replace(1, 4, s.constData() + 4); }, u"aeff"},
+        {abc, [](S &s) { s.insert(MinInt, L"XY"); }, u"XYabcdef"},
+        {abc, [](S &s) { s.insert(MaxInt, "X\xC3\xA9"); }, u"abcdefX\u00E9"},
+        {abc, [](S &s) { s.insert(3, TStringCore(u"a\0"sv)); }, u"abca\0def"sv},
+        {abc, [](S &s) { s.insert(2, u"too long to be inline"); }, u"abtoo long to be inlinecdef"},
+        {abc, [](S &s) { s.insert(0, s.constData() + 6).replace(2, 0, nullptr); }, abc},
+        {abc, [](S &s) { s.prepend(u'x').push_front('y').push_front(L'z'); }, u"zyxabcdef"},
+        {abc, [](S &s) { s.removeAt(1).removeAt(-1, 2); }, u"def"},
+        {abc, [](S &s) { s.removeAt(4, MaxInt).removeAt(4).removeAt(MaxInt, MaxInt); }, u"abcd"},
+        {abc, [](S &s) { s.replace(MinInt, MaxInt, 'x'); }, u"x"},
+        {abc, [](S &s) { s.replace(1, 4, s.constData() + 4); }, u"aeff"},
     });
 }
 
@@ -123,21 +123,18 @@ TEST(TStringCoreEdit, ReplacesAndRemovesMatches)
 {
     auto const abc = u"abcabc"sv;
     CheckRows({
-        {abc, [](TStringCore &s) { s.replace(u"c", u"more than fits"); },
-         u"abmore than fitsabmore than fits"},
-        {abc, [](TStringCore &s) { s.replace(u'A', u'x', AnyCase).replace(u"BC", u"bcd", AnyCase); },
-         u"xbcdxbcd"},
-        {abc, [](TStringCore &s) { s.replace(s, s).replace(s, u"x"); }, u"x"},
-        {abc, [](TStringCore &s) { s.replace(s.constData() + 4, s.constData() + 3); }, u"aabcaabc"},
-        {abc, [](TStringCore &s) { s.replace(u"B", u"x").replace(u"", u"x").replace(nullptr, s); }, abc},
-        {abc, [](TStringCore &s) { s.removeAll("BC", AnyCase).removeAll(u'a'); }, u""},
-        {abc, [](TStringCore &s) { s.removeAll(u"").removeAll(u"x").removeAll(nullptr); }, abc},
-        {abc, [](TStringCore &s) { s.removeAnyOf(u"ab", 3); }, u"abcc"},
-        {abc, [](TStringCore &s) { s.removeAnyOf(s.constData() + 4, -7); }, u"aa"},
-        {abc, [](TStringCore &s) { s.removeAnyOf(u"x").removeAnyOf(u"a", MaxInt).removeAnyOf(nullptr); },
-         abc},
-        {abc, [](TStringCore &s) { s.replaceAnyOf(s, u'-', 1); }, u"a-----"},
-        {abc, [](TStringCore &s) { s.replaceAnyOf(u"x", u'-').replaceAnyOf(u"a", u'-', 4); }, abc},
+        {abc, [](S &s) { s.replace(u"c", u"longer text"); }, u"ablonger textablonger text"},
+        {abc, [](S &s) { s.replace(u'A', u'x', AnyCase).replace(u"BC", u"bcd", AnyCase); }, u"xbcdxbcd"},
+        {abc, [](S &s) { s.replace(s, s).replace(s, u"x"); }, u"x"},
+        {abc, [](S &s) { s.replace(s.constData() + 4, s.constData() + 3); }, u"aabcaabc"},
+        {abc, [](S &s) { s.replace(u"B", u"x").replace(u"", u"x").replace(nullptr, s); }, abc},
+        {abc, [](S &s) { s.removeAll("BC", AnyCase).removeAll(u'a'); }, u""},
+        {abc, [](S &s) { s.removeAll(u"").removeAll(u"x").removeAll(nullptr); }, abc},
+        {abc, [](S &s) { s.removeAnyOf(u"ab", 3); }, u"abcc"},
+        {abc, [](S &s) { s.removeAnyOf(s.constData() + 4, -7); }, u"aa"},
+        {abc, [](S &s) { s.removeAnyOf(u"x").removeAnyOf(u"a", MaxInt).removeAnyOf(nullptr); }, abc},
+        {abc, [](S &s) { s.replaceAnyOf(s, u'-', 1); }, u"a-----"},
+        {abc, [](S &s) { s.replaceAnyOf(u"x", u'-').replaceAnyOf(u"a", u'-', 4); }, abc},
     });
 }
 
@@ -146,21 +143,21 @@ TEST(TStringCoreEdit, CutsTrimsAndReverses)
     auto const abc = u"abcabc"sv;
     auto const blanks = u" \t\u3000a b\u00A0\r\n"sv;
     CheckRows({
-        {u"ab\0c\0"sv, [](TStringCore &s) { s.truncateAtFirstNull(); }, u"ab"},
-        {abc, [](TStringCore &s) { s.truncateAtFirstNull(), s.chop(MinInt), s.truncate(MaxInt); }, abc},
-        {abc, [](TStringCore &s) { s.chop(MaxInt); }, u""},
-        {u"abc", [](TStringCore &s) { s.reverse(); }, u"cba"},
-        {blanks, [](TStringCore &s) { s.trim(); }, u"a b"},
-        {blanks, [](TStringCore &s) { s.trimLeft(); }, u"a b\u00A0\r\n"},
-        {u" \n ", [](TStringCore &s) { s.trimLeft(); }, u""},
-        {abc, [](TStringCore &s) { s.trim(u"ca"); }, u"bcab"},
-        {abc, [](TStringCore &s) { s.trimLeft('a').trimRight(L"bc"); }, u"bca"},
-        {abc, [](TStringCore &s) { s.trimRight(s.constData() + 4); }, u"abca"},
-        {abc, [](TStringCore &s) { s.trim().trim(u"b").trim(nullptr).trimLeft(u"").trimRight(u' '); }, abc},
-        {u"a\r\nb\n\r\r", [](TStringCore &s) { s.dosToUnix(); }, u"a\nb\n"},
-        {u"a\nb\n", [](TStringCore &s) { s.dosToUnix(); }, u"a\nb\n"},
-        {u"a\rb\n", [](TStringCore &s) { s.unixToDos(); }, u"a\r\nb\r\n"},
-        {u"a\r\nb\r\n", [](TStringCore &s) { s.toNativeLineEndings(); }, u"a\r\nb\r\n"},
+        {u"ab\0c\0"sv, [](S &s) { s.truncateAtFirstNull(); }, u"ab"},
+        {abc, [](S &s) { s.truncateAtFirstNull(), s.chop(MinInt), s.truncate(MaxInt); }, abc},
+        {abc, [](S &s) { s.chop(MaxInt); }, u""},
+        {u"abc", [](S &s) { s.reverse(); }, u"cba"},
+        {blanks, [](S &s) { s.trim(); }, u"a b"},
+        {blanks, [](S &s) { s.trimLeft(); }, u"a b\u00A0\r\n"},
+        {u" \n ", [](S &s) { s.trimLeft(); }, u""},
+        {abc, [](S &s) { s.trim(u"ca"); }, u"bcab"},
+        {abc, [](S &s) { s.trimLeft('a').trimRight(L"bc"); }, u"bca"},
+        {abc, [](S &s) { s.trimRight(s.constData() + 4); }, u"abca"},
+        {abc, [](S &s) { s.trim().trim(u"b").trim(nullptr).trimLeft(u"").trimRight(u' '); }, abc},
+        {u"a\r\nb\n\r\r", [](S &s) { s.dosToUnix(); }, u"a\nb\n"},
+        {u"a\nb\n", [](S &s) { s.dosToUnix(); }, u"a\nb\n"},
+        {u"a\rb\n", [](S &s) { s.unixToDos(); }, u"a\r\nb\r\n"},
+        {u"a\r\nb\r\n", [](S &s) { s.toNativeLineEndings(); }, u"a\r\nb\r\n"},
     });
 }
 
@@ -213,6 +210,47 @@ TEST(TStringCoreEdit, AgreesWithTheReference)
         }
         ASSERT_EQ(string, TStringCore(expected));
         ASSERT_EQ(other, storage == Shared ? TStringCore(text) : TStringCore());
+    }
+}
+
+TEST(TStringCoreEdit, ConvertsLineEnds)
+{
+    struct Row
+    {
+        char const *text;
+        char const *unixText;
+        char const *dosText;
+    };
+
+    for (Row const &row : {Row{"", "", ""},
+                           {"a\nb\n", "a\nb\n", "a\r\nb\r\n"},
+                           {"a\r\r", "a\n", "a\r\n"}, // as long as before
+                           {"\n\r\n", "\n\n", "\r\n\r\n"},
+                           {"\r\n\ra", "\n\na", "\r\n\r\na"},
+                           {"\n\n\r\r\nb", "\n\n\nb", "\r\n\r\n\r\nb"},
+                           {"\r\r\r\n\n", "\n\n", "\r\n\r\n"},
+                           {"fourteen units\n", "fourteen units\n", "fourteen units\r\n"}})
+    {
+        EXPECT_EQ(TStringCore(row.text).dosToUnix(), row.unixText) << row.text;
+        EXPECT_EQ(TStringCore(row.text).unixToDos(), row.dosText) << row.text;
+        std::basic_string<TWideTwin> twin(row.text, row.text + std::strlen(row.text));
+        twin.resize(static_cast<std::size_t>(TStringCore::dosToUnix(twin.data())));
+        EXPECT_EQ(TStringCore(twin.c_str()), row.unixText);
+        TStringCore units(row.text);
+        units.truncate(TStringCore::dosToUnix(units.data()));
+        EXPECT_EQ(units, row.unixText) << "in place";
+    }
+    EXPECT_EQ(TStringCore::dosToUnix(static_cast<TCodeUnit *>(nullptr)), 0);
+    EXPECT_EQ(TStringCore::dosToUnix(static_cast<TWideTwin *>(nullptr)), 0);
+    RandomText random(u"\r\n\r\na");
+    for (int round = 0; round < 5000; ++round)
+    {
+        TStringCore const text(random.text(30));
+        TStringCore const dos = TStringCore(text).unixToDos();
+        TStringCore const unixText = TStringCore(text).dosToUnix();
+        ASSERT_EQ(TStringCore(dos).unixToDos(), dos) << testing::PrintToString(text);
+        ASSERT_EQ(TStringCore(dos).dosToUnix(), unixText) << testing::PrintToString(text);
+        ASSERT_EQ(TStringCore(unixText).unixToDos(), dos) << testing::PrintToString(text);
     }
 }
 

@@ -13,8 +13,6 @@ namespace
 
 constexpr int MaxInt = std::numeric_limits<int>::max();
 constexpr int MinInt = std::numeric_limits<int>::min();
-constexpr TCodeUnit const *NullText = nullptr;
-constexpr auto SkipEmpty = TStringCore::SkipEmptyParts;
 
 using Strings = std::vector<TStringCore>;
 
@@ -26,26 +24,21 @@ TEST(TStringCoreParts, LeftRightAndMidClamp)
     struct Row
     {
         int position, count;
-        TStringCore left, right, mid;
+        TStringCore parts; ///< left, right and mid
     };
 
-    for (Row const &row : {Row{2, 3, u"abc", u"def", u"cde"},
-                           {0, 0, u"", u"", u""},
-                           {-4, 2, u"ab", u"ef", u"ab"},
-                           {4, MaxInt, u"abcdef", u"abcdef", u"ef"},
-                           {1, -1, u"abcdef", u"abcdef", u"bcdef"},
-                           {MaxInt, MinInt, u"abcdef", u"abcdef", u""},
-                           {MinInt, 6, u"abcdef", u"abcdef", u"abcdef"}})
-    {
-        SCOPED_TRACE(testing::Message() << row.position << ", " << row.count);
-        EXPECT_EQ(text.left(row.count), row.left);
-        EXPECT_EQ(text.right(row.count), row.right);
-        EXPECT_EQ(text.mid(row.position, row.count), row.mid);
-    }
+    for (Row const &row : {Row{2, 3, u"abc,def,cde"},
+                           {0, 0, u",,"},
+                           {-4, 2, u"ab,ef,ab"},
+                           {4, MaxInt, u"abcdef,abcdef,ef"},
+                           {1, -1, u"abcdef,abcdef,bcdef"},
+                           {MaxInt, MinInt, u"abcdef,abcdef,"}})
+        EXPECT_EQ(TStringCore::join(
+                      {text.left(row.count), text.right(row.count), text.mid(row.position, row.count)}, u','),
+                  row.parts);
     EXPECT_EQ(text.spanIncluding(u"cba"), u"abc");
     EXPECT_EQ(text.spanExcluding("dx"), u"abc");
     EXPECT_EQ(text.spanIncluding(nullptr), u"");
-    EXPECT_EQ(text.spanExcluding(nullptr), text);
     EXPECT_EQ(text.spanIncluding(text), text);
 }
 
@@ -55,39 +48,9 @@ TEST(TStringCoreParts, TheWholeTextIsShared)
     for (TStringCore const &part :
          {text.left(100), text.right(-1), text.mid(-1), text.section(u",", 0), text.split(u",").at(0),
           text.splitOnAny(u",").at(0), text.trimmed(), text.leftJustified(41), text.rightJustified(3),
-          text.leftJustified(41, u' ', true), text.spanExcluding(u","), TStringCore::join({text}, u","),
+          text.leftJustified(41, u' ', true), text.spanExcluding(nullptr), TStringCore::join({text}, u","),
           text.repeated(1)})
         EXPECT_EQ(part.constData(), text.constData());
-}
-
-TEST(TStringCoreParts, Sections)
-{
-    auto const flags = [](int value) { return static_cast<TStringCore::SectionFlags>(value); };
-    TStringCore const path = u"/usr//local/lib";
-    struct Row
-    {
-        int first, last, flags;
-        char const *expected;
-    };
-
-    for (Row const &row : {Row{1, 2, 0, "usr/"},
-                           {-2, -1, 0, "local/lib"},
-                           {0, 1, 1, "usr//local"},
-                           {1, 1, 2, "/usr"},
-                           {1, 3, 6, "/usr//local/"},
-                           {0, 0, 7, "/usr/"},
-                           {3, 1, 0, ""},
-                           {MinInt, MaxInt, 0, ""}})
-    {
-        EXPECT_EQ(path.section(u'/', row.first, row.last, flags(row.flags)), row.expected)
-            << row.first << " to " << row.last << ", flags " << row.flags;
-    }
-    EXPECT_EQ(TStringCore(u"1and2AND3").section("And", 1, 1, flags(8)), u"2");
-    EXPECT_EQ(path.section(nullptr, 0), u"");
-    EXPECT_EQ(TStringCore::section(NullText, 3, path.constData(), 1, 0, -1), u"");
-    EXPECT_EQ(path.section(u'/', 1, 1,
-                           TStringCore::SectionIncludeLeadingSep | TStringCore::SectionIncludeTrailingSep),
-              u"/usr/");
 }
 
 TEST(TStringCoreParts, SplitAndSectionAgreeWithTheReference)
@@ -131,7 +94,7 @@ TEST(TStringCoreParts, SplitAndSectionAgreeWithTheReference)
     }
 }
 
-TEST(TStringCoreParts, SplitOfEmptyAndOfRawText)
+TEST(TStringCoreParts, SplitsAndCutsInEachForm)
 {
     TStringCore const text = u"a,b;;c";
     EXPECT_EQ(text.split(nullptr), Strings());
@@ -139,80 +102,40 @@ TEST(TStringCoreParts, SplitOfEmptyAndOfRawText)
     EXPECT_EQ(text.splitOnAny(u";,"), (Strings{u"a", u"b", u"", u"c"}));
     EXPECT_EQ(text.splitOnAny(L";,", static_cast<TStringCore::SplitBehavior>(7)),
               (Strings{u"a", u"b", u"c"}));
-    EXPECT_EQ(TStringCore::split(NullText, -1, text.constData() + 1, 1), Strings());
+    EXPECT_EQ(TStringCore::split(static_cast<TCodeUnit *>(nullptr), -1, text.constData() + 1, 1), Strings());
     EXPECT_EQ(TStringCore::split(text.constData(), 0, text.constData() + 1, 1), Strings{u""});
     EXPECT_EQ(TStringCore::split(text.constData(), 4, text.constData() + 3, 1), (Strings{u"a,b", u""}));
+    EXPECT_EQ(text.section(nullptr, 0), u"");
+    EXPECT_EQ(TStringCore(u"1and2AND3").section("And", 1, 1, TStringCore::SectionCaseInsensitiveSeps), u"2");
+    EXPECT_EQ(text.section(u';', 1, 1,
+                           TStringCore::SectionIncludeLeadingSep | TStringCore::SectionIncludeTrailingSep),
+              u";;");
+    EXPECT_EQ(text.section(u';', MinInt, MaxInt), u"");
 
     // Lengths of the twin are counts of its elements.
     std::vector<TWideTwin> const twin = TwinElements(U"\U0001F600,\u00E9,b");
     std::vector<TWideTwin> const comma = TwinElements(U",");
     auto const count = static_cast<int>(twin.size()) - 3; // up to and with U+00E9
     EXPECT_EQ(TStringCore::split(twin.data(), count, comma.data(), -1), (Strings{u"\U0001F600", u"\u00E9"}));
-    EXPECT_EQ(TStringCore::splitOnAny(twin.data(), -1, comma.data(), 1),
-              (Strings{u"\U0001F600", u"\u00E9", u"b"}));
+    EXPECT_EQ(TStringCore::splitOnAny(twin.data(), count, comma.data(), 1),
+              (Strings{u"\U0001F600", u"\u00E9"}));
     EXPECT_EQ(TStringCore::section(twin.data(), count, comma.data(), 1, 1, -1), u"\u00E9");
     EXPECT_EQ(TStringCore::split(static_cast<TWideTwin *>(nullptr), 4, comma.data(), 1), Strings());
 }
 
-TEST(TStringCoreParts, JoinsRepeatsAndReverses)
+TEST(TStringCoreParts, JoinsRepeatsAndJustifies)
 {
     Strings const parts{u"a", u"", u"a part on the heap", u"-"};
     EXPECT_EQ(TStringCore::join(parts, parts[3]), u"a--a part on the heap--");
-    EXPECT_EQ(TStringCore::join(parts, u", "), u"a, , a part on the heap, -");
     EXPECT_EQ(TStringCore::join(parts, nullptr), u"aa part on the heap-");
     EXPECT_EQ(TStringCore::join({}, u","), u"");
+    EXPECT_EQ(TStringCore::join({u"", u""}, u','), u",");
     EXPECT_EQ(TStringCore(u"ab").repeated(8), u"abababababababab");
     EXPECT_EQ(TStringCore(u"ab").repeated(MinInt), u"");
     EXPECT_EQ(TStringCore().repeated(MaxInt), u"");
     EXPECT_EQ(TStringCore(u"abcde").reversed(), u"edcba");
-    EXPECT_EQ(TStringCore::join({u"", u""}, u','), u",");
-}
+    EXPECT_EQ(TStringCore(u" a ").trimmed(), u"a");
 
-TEST(TStringCoreParts, TokenizeWalks)
-{
-    struct Row
-    {
-        TStringCore text;
-        TStringCore::SplitBehavior behavior;
-        Strings tokens;
-    };
-
-    for (Row const &row : {Row{u",a;;b", SkipEmpty, {u"a", u"b"}},
-                           {u",a;;b", TStringCore::KeepEmptyParts, {u"", u"a", u"", u"b"}},
-                           {u"a,", SkipEmpty, {u"a", u""}},
-                           {u"", SkipEmpty, {u""}},
-                           {u"a,;b", static_cast<TStringCore::SplitBehavior>(2), {u"a", u"", u"b"}}})
-    {
-        Strings tokens;
-        for (int position = 0; position >= 0;)
-            tokens.push_back(row.text.tokenize(u",;", position, row.behavior));
-        EXPECT_EQ(tokens, row.tokens) << testing::PrintToString(row.text);
-    }
-
-    TStringCore const text = u"ab,c";
-    struct Start
-    {
-        TStringCore::Text separators;
-        int position;
-        char const *token;
-        int after;
-    };
-
-    for (Start const &start : {Start{nullptr, 1, "", 1},
-                               {u",", -3, "", -3},
-                               {u",", MaxInt, "", -1},
-                               {u"", 1, "b,c", -1},
-                               {L",", 1, "b", 3},
-                               {u",", 4, "", -1}})
-    {
-        int position = start.position;
-        EXPECT_EQ(text.tokenize(start.separators, position), start.token) << start.position;
-        EXPECT_EQ(position, start.after);
-    }
-}
-
-TEST(TStringCoreParts, Justifies)
-{
     struct Row
     {
         int width;
@@ -223,7 +146,6 @@ TEST(TStringCoreParts, Justifies)
 
     for (Row const row : {Row{6, false, "abc---", "---abc"},
                           {20, true, "abc-----------------", "-----------------abc"},
-                          {3, true, "abc", "abc"},
                           {2, false, "abc", "abc"},
                           {2, true, "ab", "ab"},
                           {MinInt, false, "abc", "abc"},
@@ -232,7 +154,37 @@ TEST(TStringCoreParts, Justifies)
         EXPECT_EQ(TStringCore(u"abc").leftJustified(row.width, u'-', row.truncate), row.left) << row.width;
         EXPECT_EQ(TStringCore(u"abc").rightJustified(row.width, u'-', row.truncate), row.right) << row.width;
     }
-    EXPECT_EQ(TStringCore(u" a ").trimmed(), u"a");
+}
+
+TEST(TStringCoreParts, TokenizeWalks)
+{
+    struct Row
+    {
+        TStringCore text;
+        int position;
+        TStringCore::SplitBehavior behavior;
+        Strings tokens;
+    };
+
+    constexpr auto Keep = TStringCore::KeepEmptyParts, Skip = TStringCore::SkipEmptyParts;
+    for (Row const &row : {Row{u",a;;b", 0, Skip, {u"a", u"b"}},
+                           {u",a;;b", 0, Keep, {u"", u"a", u"", u"b"}},
+                           {u"a,", 0, Skip, {u"a", u""}},
+                           {u"", 0, Skip, {u""}},
+                           {u"ab,c", 1, Skip, {u"b", u"c"}},
+                           {u"ab,c", MaxInt, Skip, {u""}},
+                           {u"ab,c", MaxInt, Keep, {u""}},
+                           {u"a,;b", 0, static_cast<TStringCore::SplitBehavior>(2), {u"a", u"", u"b"}}})
+    {
+        Strings tokens;
+        for (int position = row.position; position >= 0;)
+            tokens.push_back(row.text.tokenize(L",;", position, row.behavior));
+        EXPECT_EQ(tokens, row.tokens) << testing::PrintToString(row.text);
+    }
+    int start = 1, none = -3;
+    EXPECT_EQ(TStringCore(u"a,b").tokenize(nullptr, start).append(TStringCore(u"a").tokenize(u",", none)),
+              u"");
+    EXPECT_TRUE(start == 1 && none == -3) << "left alone";
 }
 
 /// Sets in UTF-8, and in the other wide type where that is UTF-32, do not take characters apart. The two here
@@ -261,7 +213,7 @@ TEST(TStringCoreParts, SetsOfCodePoints)
     if constexpr (sizeof(TWideTwin) != sizeof(TCodeUnit))
     {
         check(L"x\u20AC\U0001F601");
-        EXPECT_EQ(TStringCore(u"\U0001F600a").trimLeft(L'\U0001F601'), u"\U0001F600a");
+        EXPECT_EQ(TStringCore(u"\U0001F600a").trimLeft(static_cast<TWideTwin>(0x1F601)), u"\U0001F600a");
         EXPECT_EQ(TStringCore::findOneOf(L"\U0001F600a\U0001F601", -1, L"\U0001F601", -1), 2);
         EXPECT_EQ(TStringCore::findOneNotOf(L"\U0001F600a\U0001F601", -1, L"\U0001F600", -1), 1);
         EXPECT_EQ(TStringCore::splitOnAny(L"\U0001F600a\U0001F601", -1, L"\U0001F601", -1),
@@ -269,5 +221,6 @@ TEST(TStringCoreParts, SetsOfCodePoints)
     }
     EXPECT_EQ(TStringCore(text).trim("\xED\xA0\xBD"), text) << "half of a character is none in a set either";
     EXPECT_EQ(TStringCore(u"\xD83D").append(text).trim("\xED\xA0\xBD"), text) << "but for one by itself";
+    EXPECT_EQ(TStringCore(u"\u20AC\u212C").removeAnyOf(u"\u20AC"), u"\u212C") << "alike in the set's filter";
     EXPECT_EQ(TStringCore(text).removeAnyOf(TStringCore(u"\U0001F601")), u"\xDE00\u0061") << "a set of units";
 }
