@@ -97,7 +97,7 @@ struct Scheduler::Thread
     bool result;           // of the last one
     bool mayStep;          // has been chosen for a step, and has not taken it yet
     bool hasSlept;         // in this call
-    bool isLate;           // its time limit has passed while it slept
+    bool isLate;           // its time limit has passed, which it does not know yet
     std::uint32_t const *word;
     Time deadline;
     TraceLine step;
@@ -184,6 +184,7 @@ void Scheduler::Prepare(Thread &thread)
     end[-2] = reinterpret_cast<std::uint64_t>(&RunThread); // where the first switch returns to
     thread.state = Thread::Between;
     thread.call = thread.calls.front();
+    thread.isLate = false;
 }
 
 /// Nothing is left of what was on the stack: it must not tell one state from another.
@@ -276,11 +277,14 @@ void Scheduler::CollectOptions()
             m_options.push_back({Option::Go, index});
         if (thread.state == Thread::Asleep && thread.deadline != Never)
             m_options.push_back({Option::PassDeadline, index});
-        if (thread.state == Thread::Asleep && m_wakesForNoReason > 0)
-            m_options.push_back({Option::WakeForNoReason, index});
     }
     if (MayProbe())
         m_options.push_back({Option::Probe, m_prober});
+    for (std::size_t index = 0; index < m_prober && m_wakesForNoReason > 0; ++index)
+    {
+        if (m_threads[index].state == Thread::Asleep)
+            m_options.push_back({Option::WakeForNoReason, index});
+    }
 }
 
 /// Lets the current thread take a step. What it does before its first step belongs to that, and what it does
@@ -367,7 +371,7 @@ std::uint64_t Scheduler::State() const
         state.Add(thread.top, thread.stack.get() + StackWords);
         state.Add(thread.state);
         if (thread.state == Thread::Running)
-            state.Add(thread.hasSlept);
+            state.Add(thread.isLate ? 2 : thread.hasSlept);
         if (thread.state != Thread::Asleep)
             continue;
         state.Add(reinterpret_cast<std::uint64_t>(thread.word));
@@ -452,11 +456,10 @@ bool Scheduler::Sleep(std::uint32_t const *word, std::uint32_t expected, Time de
     Thread &thread = m_threads[m_current];
     thread.state = Thread::Asleep;
     thread.hasSlept = true;
-    thread.isLate = false;
     thread.word = word;
     thread.deadline = deadline;
     Yield();
-    return !thread.isLate;
+    return !std::exchange(thread.isLate, false);
 }
 
 void Scheduler::Wake(std::uint32_t const *word, Sleepers sleepers, Site site)
