@@ -100,7 +100,7 @@ std::size_t RootLength(std::wstring_view path)
     constexpr std::wstring_view ServerPrefix = L"\\\\?\\UNC\\";
     bool const hasServer = path.starts_with(ServerPrefix);
     std::size_t end = path.find(L'\\', hasServer ? ServerPrefix.size() : Prefix.size());
-    if (hasServer && end != path.npos)
+    if (hasServer && end != std::wstring_view::npos)
         end = path.find(L'\\', end + 1);
     return std::min(end, path.size());
 }
@@ -481,7 +481,7 @@ std::FILE *OpenForWriting(std::string const &name, Create create)
     int const descriptor = _open_osfhandle(reinterpret_cast<std::intptr_t>(handle.get()), _O_BINARY);
     if (descriptor < 0)
         ThrowSystemError();
-    handle.release(); // It is the descriptor's now.
+    static_cast<void>(handle.release()); // It is the descriptor's now.
     std::FILE *const file = _fdopen(descriptor, "wb");
     if (file == nullptr)
     {

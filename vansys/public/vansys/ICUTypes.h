@@ -186,13 +186,13 @@ enum ICUErrorCode : int
 /// Whether a call has succeeded, warnings included: 1 or 0.
 constexpr signed char ICU_SUCCESS(ICUErrorCode code) noexcept
 {
-    return code <= U_ZERO_ERROR;
+    return code <= U_ZERO_ERROR ? 1 : 0;
 }
 
 /// Whether a call has failed: 1 or 0.
 constexpr signed char ICU_FAILURE(ICUErrorCode code) noexcept
 {
-    return code > U_ZERO_ERROR;
+    return code > U_ZERO_ERROR ? 1 : 0;
 }
 
 /// Where a rule or pattern is wrong.
