@@ -19,7 +19,7 @@ namespace
 
 constexpr std::size_t BlockSize = 128;
 constexpr std::size_t BatchBlocks = 4;
-constexpr std::size_t RoundCount = Sha2Portable::Sha512::rounds;
+constexpr std::size_t RoundCount = Sha2Portable::Sha512::s_rounds;
 constexpr std::size_t GroupSize = Sha2Portable::s_messageWords;
 
 using Group = std::make_index_sequence<GroupSize>;

@@ -27,25 +27,25 @@ struct Sha2Portable
     struct Sha256
     {
         using Word = std::uint32_t;
-        static constexpr std::size_t rounds = 64;
-        static constexpr auto const &constants = Sha256Constants;
+        static constexpr std::size_t s_rounds = 64;
+        static constexpr auto const &s_constants = Sha256Constants;
 
         VANSYS_ALWAYS_INLINE static Word Sigma0(Word x) noexcept { return sha2::Sigma0_256(x); }
         VANSYS_ALWAYS_INLINE static Word Sigma1(Word x) noexcept { return sha2::Sigma1_256(x); }
-        VANSYS_ALWAYS_INLINE static Word sigma0(Word x) noexcept { return sha2::sigma0_256(x); }
-        VANSYS_ALWAYS_INLINE static Word sigma1(Word x) noexcept { return sha2::sigma1_256(x); }
+        VANSYS_ALWAYS_INLINE static Word SmallSigma0(Word x) noexcept { return sha2::sigma0_256(x); }
+        VANSYS_ALWAYS_INLINE static Word SmallSigma1(Word x) noexcept { return sha2::sigma1_256(x); }
     };
 
     struct Sha512
     {
         using Word = std::uint64_t;
-        static constexpr std::size_t rounds = 80;
-        static constexpr auto const &constants = Sha512Constants;
+        static constexpr std::size_t s_rounds = 80;
+        static constexpr auto const &s_constants = Sha512Constants;
 
         VANSYS_ALWAYS_INLINE static Word Sigma0(Word x) noexcept { return sha2::Sigma0_512(x); }
         VANSYS_ALWAYS_INLINE static Word Sigma1(Word x) noexcept { return sha2::Sigma1_512(x); }
-        VANSYS_ALWAYS_INLINE static Word sigma0(Word x) noexcept { return sha2::sigma0_512(x); }
-        VANSYS_ALWAYS_INLINE static Word sigma1(Word x) noexcept { return sha2::sigma1_512(x); }
+        VANSYS_ALWAYS_INLINE static Word SmallSigma0(Word x) noexcept { return sha2::sigma0_512(x); }
+        VANSYS_ALWAYS_INLINE static Word SmallSigma1(Word x) noexcept { return sha2::sigma1_512(x); }
     };
 
     /// The chaining words of SHA-256 or SHA-512 on their way through the rounds of one block.
@@ -200,15 +200,16 @@ private:
         template <std::size_t... Number>
         VANSYS_ALWAYS_INLINE void Rounds(std::size_t first, std::index_sequence<Number...>) noexcept
         {
-            (state.template Round<Number>(Algorithm::constants[first + Number] + message[Number]), ...);
+            (state.template Round<Number>(Algorithm::s_constants[first + Number] + message[Number]), ...);
         }
 
         /// The message words of the next 16 rounds, in place of those of the last.
         template <std::size_t... Number>
         VANSYS_ALWAYS_INLINE void Schedule(std::index_sequence<Number...>) noexcept
         {
-            ((message[Number] += Algorithm::sigma1(message[(Number + 14) % 16]) + message[(Number + 9) % 16] +
-                                 Algorithm::sigma0(message[(Number + 1) % 16])),
+            ((message[Number] += Algorithm::SmallSigma1(message[(Number + 14) % 16]) +
+                                 message[(Number + 9) % 16] +
+                                 Algorithm::SmallSigma0(message[(Number + 1) % 16])),
              ...);
         }
     };
@@ -225,7 +226,7 @@ private:
             work.state.Load(state);
             LoadMessage(work.message, blocks);
             work.Rounds(0, Group{});
-            for (std::size_t first = s_messageWords; first < Algorithm::rounds; first += s_messageWords)
+            for (std::size_t first = s_messageWords; first < Algorithm::s_rounds; first += s_messageWords)
             {
                 work.Schedule(Group{});
                 work.Rounds(first, Group{});
