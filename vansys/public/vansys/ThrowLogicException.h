@@ -15,5 +15,8 @@
 /// writes it to the debugger output (on Linux: standard error) and throws a `VantrelException` with that text
 /// as its only message.
 ///
+/// `file` and `line` are the name of the assertion, by which hooks and logs tell it from others: a line is
+/// given once and stays when the code moves, even where that leaves it beyond the end of the file.
+///
 /// `file` and `expression` are zero-terminated UTF-8; null counts as empty. May be called on any thread.
 VANSYS_API void ThrowLogicException(char const *file, int line, char const *expression);
