@@ -30,9 +30,8 @@ TEST(CharacterTable, AnyThreadMayBeTheFirstToAsk)
         VanICU::setIcuVersion(version);
         std::atomic<int> differences{0};
         std::barrier start(Threads);
-        std::vector<std::thread> threads;
+        std::vector<std::jthread> threads;
         for (int t = 0; t < Threads; ++t)
-        {
             threads.emplace_back(
                 [&differences, &start, upwards = t % 2 == 0]
                 {
@@ -46,9 +45,7 @@ TEST(CharacterTable, AnyThreadMayBeTheFirstToAsk)
                             ++differences;
                     }
                 });
-        }
-        for (std::thread &thread : threads)
-            thread.join();
+        threads.clear();
         EXPECT_EQ(differences, 0) << "family " << version;
     }
 }

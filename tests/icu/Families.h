@@ -10,6 +10,8 @@
 
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 /// Each test runs with both families selected in turn.
 class ICUFamilyTest : public testing::TestWithParam<int>
@@ -17,6 +19,25 @@ class ICUFamilyTest : public testing::TestWithParam<int>
 protected:
     ICUFamilyTest() { VanICU::setIcuVersion(GetParam()); }
     ~ICUFamilyTest() override { VanICU::setIcuVersion(4); }
+
+    /// What a function fills a buffer with: it takes arguments, a buffer, its capacity and a status, and
+    /// returns the length.
+    template <class Unit = TCodeUnit, class Function, class... Arguments>
+    TStringCore Filled(Function const &function, Arguments const &...arguments)
+    {
+        return Mapped<Unit>([&](Unit *buffer, int capacity, VanICU::ICUErrorCode *status)
+                            { return function(arguments..., buffer, capacity, status); });
+    }
+
+    /// The same of a function that takes the buffer and the capacity first.
+    template <class Unit = TCodeUnit, class Function, class... Arguments>
+    TStringCore Mapped(Function const &function, Arguments const &...arguments)
+    {
+        Unit buffer[200] = {};
+        int const length = function(buffer, 200, arguments..., &m_status);
+        EXPECT_EQ(static_cast<int>(std::char_traits<Unit>::length(buffer)), length);
+        return TStringCore(buffer);
+    }
 
     /// Passed to every call that takes a status.
     VanICU::ICUErrorCode m_status = VanICU::U_ZERO_ERROR;
@@ -30,28 +51,8 @@ protected:
 template <auto Close>
 struct Closer
 {
-    template <class Handle>
-    void operator()(Handle *handle) const
-    {
-        (void)Close(handle);
-    }
+    void operator()(auto *handle) const { (void)Close(handle); }
 };
 
 template <class Handle, auto Close>
 using Owned = std::unique_ptr<Handle, Closer<Close>>;
-
-/// The result of a function that fills a buffer: `fill(buffer, capacity)` returns the length.
-template <class Character = TCodeUnit, class Fill>
-std::basic_string<Character> Filled(Fill const &fill)
-{
-    Character buffer[200] = {};
-    int const length = fill(buffer, 200);
-    EXPECT_LT(length, 200);
-    return std::basic_string<Character>(buffer);
-}
-
-template <class Fill>
-TStringCore FilledText(Fill const &fill)
-{
-    return TStringCore(Filled(fill).c_str());
-}
