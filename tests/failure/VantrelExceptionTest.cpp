@@ -17,92 +17,67 @@
 
 using Messages = std::list<TStringCore>;
 
-TEST(VantrelException, StacksMessages)
+namespace
 {
-    VantrelException exception("first");
-    exception.StackMessage(u"second\n");
-    exception.StackMessageFront(L"front");
-    exception.StackMessage("");
-    exception.StackMessageFront(TStringCore());
-    EXPECT_EQ(exception.GetMessages(), (Messages{"front", "first", "second\n"}));
-    EXPECT_EQ(exception.GetMessagesVector(), (std::vector<TStringCore>{"front", "first", "second\n"}));
-    EXPECT_EQ(exception.GetMessagesFront(), u"front");
-    EXPECT_EQ(exception.GetConcatenatedMessages(), u"front\nfirst\nsecond\n");
-    EXPECT_EQ(exception.CollateMessagesForLog(), u"front\nfirst\nsecond\n");
-    EXPECT_TRUE(exception.GetRedactedMessages().empty());
 
-    VantrelException const copy = exception;
-    exception.SetMessage("only");
-    EXPECT_EQ(exception.GetMessages(), Messages{"only"});
-    exception.SetMessage(u"units");
-    EXPECT_EQ(exception.GetMessages(), Messages{"units"});
-    exception.SetMessage(L"");
-    EXPECT_TRUE(exception.GetMessages().empty());
-    EXPECT_EQ(copy.GetMessages().size(), 3u);
-    exception = copy;
-    EXPECT_EQ(exception.GetMessages(), copy.GetMessages());
-
-    VantrelException const none{TStringCore()};
-    EXPECT_EQ(none.GetMessagesFront(), u"");
-    EXPECT_EQ(none.GetConcatenatedMessages(), u"");
-    EXPECT_EQ(VantrelException(Messages{"", "x"}).GetMessages().size(), 2u) << "a list is taken as it is";
+TFormatStringCore format(char const *text)
+{
+    return TFormatStringCore(text).arg(u"X");
 }
 
-TEST(VantrelException, StacksRedactedMessages)
+void expectStacks(VantrelException const &exception, Messages const &messages, Messages const &redacted)
 {
-    auto const format = [](char const *text) { return TFormatStringCore(text).arg(u"X"); };
-    VantrelException exception(format("first %1"));
-    exception.StackMessage(u"plain");
-    exception.StackMessage(format("second %1"));
-    exception.StackMessageFront(format("front %1"));
-    exception.StackMessageFront("plain front");
-    exception.StackMessage(TFormatStringCore(u"%1").arg(u""));
-    exception.StackMessageFront(TFormatStringCore(u""));
-    Messages const messages = {"plain front", "front X", "first X", "plain", "second X"};
-    Messages const redacted = {"front %1", "first %1", "second %1"};
     EXPECT_EQ(exception.GetMessages(), messages);
     EXPECT_EQ(exception.GetRedactedMessages(), redacted);
+    EXPECT_EQ(exception.GetMessagesVector(), std::vector(messages.begin(), messages.end()));
+    EXPECT_EQ(exception.GetMessagesFront(), messages.empty() ? TStringCore() : messages.front());
+    EXPECT_EQ(exception.CollateMessagesForLog(), exception.GetConcatenatedMessages());
+}
 
+} // namespace
+
+TEST(VantrelException, StacksMessages)
+{
+    VantrelException exception(format("first %1"));
+    exception.StackMessage(u"plain\n");
+    exception.StackMessage(format("second %1"));
+    exception.StackMessageFront(format("front %1"));
+    exception.StackMessageFront(L"plain front");
+    exception.StackMessage("");
+    exception.StackMessageFront(TStringCore());
+    exception.StackMessage(TFormatStringCore(u"%1").arg(u""));
+    exception.StackMessageFront(TFormatStringCore(u""));
+    Messages const messages = {"plain front", "front X", "first X", "plain\n", "second X"};
+    Messages const redacted = {"front %1", "first %1", "second %1"};
     using Add = void (VantrelException::*)(TFormatStringCore const &);
     for (Add const add : {Add{&VantrelException::StackMessage}, Add{&VantrelException::StackMessageFront},
                           Add{&VantrelException::SetMessage}})
         EXPECT_THROW((exception.*add)(format("too few for %2")), TFormatStringCore::Exception);
+    expectStacks(exception, messages, redacted);
+    EXPECT_EQ(exception.GetConcatenatedMessages(), u"plain front\nfront X\nfirst X\nplain\nsecond X\n");
 
     VantrelException const copy = exception;
-    std::unique_ptr<VantrelException> const clone(exception.Clone());
     VantrelException assigned(format("replaced %1"));
     assigned = exception;
-    for (VantrelException const *other : {&copy, static_cast<VantrelException const *>(clone.get()),
-                                          static_cast<VantrelException const *>(&assigned)})
-    {
-        EXPECT_EQ(other->GetMessages(), messages);
-        EXPECT_EQ(other->GetRedactedMessages(), redacted);
-    }
-
     exception.SetMessage(format("only %1"));
-    EXPECT_EQ(exception.GetMessages(), Messages{"only X"});
-    EXPECT_EQ(exception.GetRedactedMessages(), Messages{"only %1"});
-    exception.SetMessage("plain");
-    EXPECT_TRUE(exception.GetRedactedMessages().empty());
-    exception = copy;
-    exception.SetMessage(TFormatStringCore(u"%1").arg(u""));
-    EXPECT_TRUE(exception.GetMessages().empty());
-    EXPECT_TRUE(exception.GetRedactedMessages().empty());
-    EXPECT_TRUE(VantrelException(TFormatStringCore(u"%1").arg(u"")).GetRedactedMessages().empty());
-    EXPECT_EQ(VantrelUserErrorException(format("user %1")).GetRedactedMessages(), Messages{"user %1"});
-}
-
-TEST(VantrelException, TakesTheTextOfForeignExceptions)
-{
+    expectStacks(exception, {"only X"}, {"only %1"});
+    exception.SetMessage(u"plain");
+    expectStacks(exception, {"plain"}, {});
+    expectStacks(copy, messages, redacted);
+    expectStacks(assigned, messages, redacted);
+    assigned.SetMessage(TFormatStringCore(u"%1").arg(u""));
+    expectStacks(assigned, {}, {});
+    expectStacks(VantrelException(L""), {}, {});
+    expectStacks(VantrelException(Messages{"", "a list is taken as it is"}), {"", "a list is taken as it is"},
+                 {});
+    expectStacks(VantrelUserErrorException(format("user %1")), {"user X"}, {"user %1"});
     for (char const *const text : {"no such file", "\xC3\xA9", "\xFF", ""})
     {
         TStringCore const expected = TStringCore::fromLocal8Bit(text);
-        VantrelException const exception{std::runtime_error(text)};
-        EXPECT_EQ(exception.GetMessagesFront(), expected);
-        EXPECT_EQ(exception.GetMessages().size(), expected.isEmpty() ? 0u : 1u);
-        EXPECT_TRUE(exception.GetRedactedMessages().empty());
+        std::runtime_error const foreign(text);
+        expectStacks(VantrelException(foreign), expected.isEmpty() ? Messages{} : Messages{expected}, {});
         TStringCore out = u"before";
-        VantrelException::ToString(std::runtime_error(text), out);
+        VantrelException::ToString(foreign, out);
         EXPECT_EQ(out, expected);
     }
 }
@@ -173,66 +148,56 @@ TEST(VantrelException, CloneAndThrowKeepTheType)
     expectCopies<PoolException>(PoolException(u"pool"));
 }
 
-TEST(VantrelException, StackExceptionAndRethrowAddsToTheSameObject)
+TEST(VantrelException, StackExceptionAndRethrowKeepsTheType)
 {
-    try
+    auto const rethrow = [](auto const &inner, auto const &message)
     {
         try
         {
-            throw VantrelOutOfMemoryException("inner");
-        }
-        catch (...)
-        {
-            try
-            {
-                StackExceptionAndRethrow("outer");
-            }
-            catch (...)
-            {
-                StackExceptionAndRethrow(TFormatStringCore("outermost %1").arg("X"));
-            }
-        }
-    }
-    catch (VantrelOutOfMemoryException const &exception)
-    {
-        EXPECT_EQ(exception.GetMessages(), (Messages{"inner", "outer", "outermost X"}));
-        EXPECT_EQ(exception.GetRedactedMessages(), Messages{"outermost %1"});
-    }
-    auto const rethrowForeign = [](auto const &message)
-    {
-        try
-        {
-            throw std::runtime_error("foreign");
+            inner();
         }
         catch (...)
         {
             StackExceptionAndRethrow(message);
         }
     };
-    EXPECT_THROW(rethrowForeign("outer"), std::runtime_error);
-    EXPECT_THROW(rethrowForeign(TFormatStringCore("without its argument: %1")), std::runtime_error);
+    auto const fail = [] { throw VantrelOutOfMemoryException("inner"); };
+    auto const failAgain = [&] { rethrow(fail, "outer"); };
+    try
+    {
+        rethrow(failAgain, format("outermost %1"));
+        ADD_FAILURE();
+    }
+    catch (VantrelOutOfMemoryException const &exception)
+    {
+        expectStacks(exception, {"inner", "outer", "outermost X"}, {"outermost %1"});
+    }
+    auto const failForeign = [] { throw std::runtime_error("foreign"); };
+    EXPECT_THROW(rethrow(failForeign, "outer"), std::runtime_error);
+    EXPECT_THROW(rethrow(failForeign, format("without its argument: %2")), std::runtime_error);
 }
 
 TEST(ThrowLogicException, WithoutHookThrowsAndWritesToTheDebugger)
 {
-    char const *const expected =
+    TStringCore const expected =
         "LogicAssert failed (but no hook has been set) at vansys/main/icu/Calendar44 "
         "line 61: U_SUCCESS(status)";
-    EXPECT_EQ(debugOutputOf(
-                  [&]
-                  {
-                      try
-                      {
-                          ThrowLogicException("vansys/main/icu/Calendar44", 61, "U_SUCCESS(status)");
-                          ADD_FAILURE();
-                      }
-                      catch (VantrelException const &exception)
-                      {
-                          EXPECT_EQ(exception.GetMessages(), Messages{expected});
-                          EXPECT_TRUE(exception.GetRedactedMessages().empty());
-                      }
-                  }),
-              expected);
+    std::unique_ptr<VantrelException> caught;
+    std::string const output = debugOutputOf(
+        [&]
+        {
+            try
+            {
+                ThrowLogicException("vansys/main/icu/Calendar44", 61, "U_SUCCESS(status)");
+            }
+            catch (VantrelException const &exception)
+            {
+                caught.reset(exception.Clone());
+            }
+        });
+    EXPECT_EQ(output, expected.toStdString());
+    ASSERT_TRUE(caught);
+    expectStacks(*caught, {expected}, {});
 }
 
 TEST(ThrowLogicException, HookDecides)
