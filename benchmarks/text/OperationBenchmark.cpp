@@ -23,6 +23,18 @@ struct OwnOperations : Vansys
 
     static int IndexOf(String const &text, char16_t unit) { return text.indexOf(unit); }
 
+    static int LastIndexOf(String const &text, String const &needle) { return text.lastIndexOf(needle); }
+
+    static int IndexOfWithoutCase(String const &text, String const &needle)
+    {
+        return text.indexOf(needle, TStringCore::CaseInsensitive);
+    }
+
+    static int LastIndexOfWithoutCase(String const &text, String const &needle)
+    {
+        return text.lastIndexOf(needle, -1, TStringCore::CaseInsensitive);
+    }
+
     static Strings Split(String const &text, char16_t separator) { return text.split(separator); }
 
     static String Join(Strings const &parts, String const &separator)
@@ -44,6 +56,11 @@ struct StdSearch : StdString
     }
 
     static std::size_t IndexOf(std::u16string_view text, char16_t unit) { return text.find(unit); }
+
+    static std::size_t LastIndexOf(std::u16string_view text, std::u16string_view needle)
+    {
+        return text.rfind(needle);
+    }
 };
 
 #if defined(VANSYS_BENCH_QT)
@@ -55,6 +72,21 @@ struct QtOperations : Qt
     static qsizetype IndexOf(String const &text, String const &needle) { return text.indexOf(needle); }
 
     static qsizetype IndexOf(String const &text, char16_t unit) { return text.indexOf(QChar(unit)); }
+
+    static qsizetype LastIndexOf(String const &text, String const &needle)
+    {
+        return text.lastIndexOf(needle);
+    }
+
+    static qsizetype IndexOfWithoutCase(String const &text, String const &needle)
+    {
+        return text.indexOf(needle, 0, ::Qt::CaseInsensitive);
+    }
+
+    static qsizetype LastIndexOfWithoutCase(String const &text, String const &needle)
+    {
+        return text.lastIndexOf(needle, -1, ::Qt::CaseInsensitive);
+    }
 
     static Strings Split(String const &text, char16_t separator) { return text.split(QChar(separator)); }
 
@@ -97,23 +129,67 @@ typename Peer::String Make(Peer peer, std::u16string_view text)
     return peer.FromUnits(text.data(), static_cast<int>(text.size()));
 }
 
-void BenchmarkIndexOf(Rows &rows)
-{
-    Target const target{2.0, {"QString", "std::u16string"}};
-    std::u16string const prose = Widen(SampleText(Script::Ascii, TextUnits));
+/// How a peer is asked for a text.
+constexpr auto IndexOf = [](auto peer, auto const &text, auto const &needle)
+{ return peer.IndexOf(text, needle); };
+constexpr auto LastIndexOf = [](auto peer, auto const &text, auto const &needle)
+{ return peer.LastIndexOf(text, needle); };
+constexpr auto IndexOfWithoutCase = [](auto peer, auto const &text, auto const &needle)
+{ return peer.IndexOfWithoutCase(text, needle); };
+constexpr auto LastIndexOfWithoutCase = [](auto peer, auto const &text, auto const &needle)
+{ return peer.LastIndexOfWithoutCase(text, needle); };
 
-    rows.push_back({"operations", "indexOf of 6 units, absent from 8 KiB", target});
-    auto const text = [prose](benchmark::State &state, auto peer)
+template <class Search, class... Peers>
+void BenchmarkSearch(Rows &rows, std::string const &name, std::u16string const &text,
+                     std::u16string const &sought, Search search, Target const &target,
+                     PeerList<Peers...> peers)
+{
+    rows.push_back({"operations", name, target});
+    auto const body = [=](benchmark::State &state, auto peer)
     {
-        auto const haystack = Make(peer, prose);
-        auto const needle = Make(peer, u"search");
+        auto const haystack = Make(peer, text);
+        auto const needle = Make(peer, sought);
         for (auto _ : state)
         {
             benchmark::DoNotOptimize(&haystack);
-            benchmark::DoNotOptimize(peer.IndexOf(haystack, needle));
+            benchmark::DoNotOptimize(search(peer, haystack, needle));
         }
     };
-    AddCases(rows.back(), text, SearchPeers);
+    AddCases(rows.back(), body, peers);
+}
+
+void BenchmarkSearches(Rows &rows)
+{
+    Target const target{2.0, {"QString", "std::u16string"}};
+    Target const targetWithoutCase{1.0, {"QString"}};
+    std::u16string const prose = Widen(SampleText(Script::Ascii, TextUnits));
+    std::u16string const absent = u"search";
+    BenchmarkSearch(rows, "indexOf of 6 units, absent from 8 KiB", prose, absent, IndexOf, target,
+                    SearchPeers);
+    BenchmarkSearch(rows, "lastIndexOf of 6 units, absent from 8 KiB", prose, absent, LastIndexOf, target,
+                    SearchPeers);
+    BenchmarkSearch(rows, "indexOf without case of 6 units, absent from 8 KiB", prose, absent,
+                    IndexOfWithoutCase, targetWithoutCase, Peers);
+    BenchmarkSearch(rows, "lastIndexOf without case of 6 units, absent from 8 KiB", prose, absent,
+                    LastIndexOfWithoutCase, targetWithoutCase, Peers);
+
+    std::u16string greek;
+    while (greek.size() < TextUnits)
+        greek += u"Ο Άνεμος και ο Ήλιος μάλωναν για το ποιος από τους δύο είναι πιο δυνατός. ";
+    BenchmarkSearch(rows, "indexOf without case of 6 units, absent from 8 KiB of Greek", greek, u"ζητώντ",
+                    IndexOfWithoutCase, targetWithoutCase, Peers);
+
+    // A needle that nearly is at every other place.
+    std::u16string pairs;
+    while (pairs.size() < TextUnits)
+        pairs += u"ab";
+    std::u16string const nearlyPairs = pairs.substr(TextUnits / 2) + u"aabb";
+    BenchmarkSearch(rows, "indexOf of what nearly is everywhere in 8 KiB", pairs, nearlyPairs, IndexOf,
+                    target, SearchPeers);
+    BenchmarkSearch(rows, "lastIndexOf of what nearly is everywhere in 8 KiB", pairs, nearlyPairs,
+                    LastIndexOf, target, SearchPeers);
+    BenchmarkSearch(rows, "indexOf without case of what nearly is everywhere in 8 KiB", pairs, nearlyPairs,
+                    IndexOfWithoutCase, targetWithoutCase, Peers);
 
     rows.push_back({"operations", "indexOf of one unit, absent from 8 KiB", target});
     auto const unit = [prose](benchmark::State &state, auto peer)
@@ -201,7 +277,7 @@ void BenchmarkReplace(Rows &rows, std::string const &name, std::u16string const 
 
 void AddOperationRows(Rows &rows)
 {
-    BenchmarkIndexOf(rows);
+    BenchmarkSearches(rows);
     BenchmarkSplitAndJoin(rows);
     BenchmarkReplace(rows, "growing", u"the", u"<the>");
     BenchmarkReplace(rows, "shrinking", u"the", u"a");
