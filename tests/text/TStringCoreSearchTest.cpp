@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -28,8 +29,15 @@ TEST(TStringCoreSearch, AgreesWithTheReference)
     RandomText random(u"aAbB,\u0161\u0431\u04B1");
     for (int round = 0; round < 20000; ++round)
     {
-        std::u16string const text = random.text(round % 4 == 0 ? 200 : 20);
-        std::u16string const needle = random.text(round % 8 == 0 ? 20 : 3);
+        std::u16string text = random.text(round % 4 == 0 ? 200 : 20);
+        std::u16string needle = random.text(round % 8 == 0 ? 20 : 3);
+        if (round % 4 == 1)
+        {
+            // Nearly the same over and over, which no search may be slow with.
+            while (text.size() < 150)
+                text += text + needle + u'a';
+            needle = reference::folded(text.substr(text.size() / 3, 60), reference::foldAscii) + needle;
+        }
         int const start = random.number(-2, static_cast<int>(text.size()) + 2);
         ExactUnits const units(text);
         ExactUnits const set(needle);
@@ -92,7 +100,28 @@ TEST(TStringCoreSearch, EdgesOfPositionsAndEmptyTexts)
     EXPECT_EQ(TStringCore::findChar(text.constData(), -1, text[2]), 2);
     EXPECT_TRUE(text.contains("CA", TStringCore::CaseInsensitive));
     EXPECT_EQ(TStringCore(u"e\u00C9").indexOf(u'\u00E9', TStringCore::CaseInsensitive), 1);
+    EXPECT_EQ(TStringCore(u"a vector and more: \u212Aelvin").indexOf(u"Kelvin", TStringCore::CaseInsensitive),
+              19);
     EXPECT_EQ(TStringCore(u"a\0b\0"sv).lastIndexOf(u'\0'), 3);
+}
+
+TEST(TStringCoreSearch, NoTextTakesMoreThanLinearTime)
+{
+    // Each of these would take minutes if it looked at the whole needle at every place.
+    constexpr int Length = 1 << 20;
+    TStringCore text;
+    TStringCore const needle = TStringCore(u"ab").repeated(Length / 4).append(u"aabb");
+    auto const start = std::chrono::steady_clock::now();
+    for (auto const sensitivity : {TStringCore::CaseSensitive, TStringCore::CaseInsensitive})
+    {
+        text = TStringCore(u"ab").repeated(Length / 2);
+        EXPECT_EQ(text.indexOf(needle, sensitivity), -1);
+        EXPECT_EQ(text.lastIndexOf(needle, -1, sensitivity), -1);
+        EXPECT_EQ(text.count(needle, sensitivity), 0);
+        EXPECT_EQ(text.replaceCount(needle, u"", sensitivity), 0);
+        EXPECT_EQ(text.split(needle, TStringCore::KeepEmptyParts, sensitivity).size(), 1u);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    }
 }
 
 TEST(TStringCoreSearch, CountsOfTheTwinAreElements)

@@ -1,31 +1,13 @@
 #include "main/vansys/string/TextSearch.h"
 
-#include <algorithm>
+#include "main/vansys/string/TextSearchVector.h"
 
 namespace vansys::detail
 {
 
-namespace
+TextSearches BaselineTextSearches() noexcept
 {
-
-TCodeUnit const *FindUnitPortably(TCodeUnit const *text, TCodeUnit const *end, TCodeUnit unit) noexcept
-{
-    TCodeUnit const *const match = std::find(text, end, unit);
-    return match == end ? nullptr : match;
-}
-
-TCodeUnit const *FindTextPortably(TCodeUnit const *text, TCodeUnit const *end, TCodeUnit const *needle,
-                                  int needleLength) noexcept
-{
-    TCodeUnit const *const match = std::search(text, end, needle, needle + needleLength);
-    return match == end ? nullptr : match;
-}
-
-} // namespace
-
-TextSearches PortableTextSearches() noexcept
-{
-    return {FindUnitPortably, FindTextPortably};
+    return SearchesByVector<BytesOfVector>();
 }
 
 TextSearches const &OwnTextSearches() noexcept
@@ -34,5 +16,16 @@ TextSearches const &OwnTextSearches() noexcept
     static TextSearches const s_searches = FastestTextSearches(DetectCpuFeatures());
     return s_searches;
 }
+
+template <Direction direction>
+TCodeUnit const *FindExactlyTwoWay(TCodeUnit const *text, TCodeUnit const *end, TCodeUnit const *needle,
+                                   int needleLength) noexcept
+{
+    using Text = DirectedText<direction>;
+    return TwoWaySearch<direction, Exactly>(Text(needle, needle + needleLength)).Find(Text(text, end));
+}
+
+template FindText FindExactlyTwoWay<Direction::Forwards>;
+template FindText FindExactlyTwoWay<Direction::Backwards>;
 
 } // namespace vansys::detail

@@ -5,7 +5,7 @@ namespace vansys::detail
 
 TextSearches FastestTextSearches(CpuFeatures) noexcept
 {
-    return PortableTextSearches();
+    return BaselineTextSearches();
 }
 
 } // namespace vansys::detail

@@ -1,11 +1,9 @@
 #include "main/vansys/string/Utf.h"
 
+#include "main/vansys/string/UnitVector.h"
+
 #include <bit>
 #include <cstring>
-
-#if defined(__SSE2__)
-#    include <emmintrin.h>
-#endif
 
 // Each direction has a plain loop that takes one sequence or code point after the other and defines the
 // result, and a fast one around the same step. The fast one takes text in blocks of 64: the vector unit finds
@@ -20,9 +18,8 @@ namespace vansys::detail
 namespace
 {
 
-constexpr int VectorUnits = 16;
+constexpr int VectorUnits = 16; // elements that are converted at once: a vector of bytes, and two of units
 constexpr int BlockUnits = 64;
-constexpr int VectorBytes = 16;
 
 /// Continuation bytes by (lead byte - 0x80) / 2; -1 for a byte that cannot lead.
 constexpr signed char ContinuationCounts[64] = {
@@ -182,86 +179,39 @@ inline void EncodeRun(TCodeUnit const *&text, TCodeUnit const *end, char *&out) 
     } while (end - text >= 4);
 }
 
-#if defined(__SSE2__)
-
-inline __m128i LoadVector(void const *from) noexcept
-{
-    return _mm_loadu_si128(static_cast<__m128i const *>(from));
-}
-
-inline void StoreVector(void *to, __m128i vector) noexcept
-{
-    _mm_storeu_si128(static_cast<__m128i *>(to), vector);
-}
-
-/// A bit for each of 16 bytes that is not ASCII.
+/// A bit for each of 16 elements that is not ASCII.
 inline std::uint32_t OthersInVector(unsigned char const *text) noexcept
 {
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(LoadVector(text)));
+    return OtherThanAscii(LoadBytes(text));
 }
 
-/// A bit for each of 16 units that is not ASCII.
 inline std::uint32_t OthersInVector(TCodeUnit const *text) noexcept
 {
-    // Saturating addition carries every unit from 0x80 up, and no other, into the sign bit.
-    __m128i const carry = _mm_set1_epi16(0x7F80);
-    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_packs_epi16(
-        _mm_adds_epu16(LoadVector(text), carry), _mm_adds_epu16(LoadVector(text + 8), carry))));
+    return OtherThanAscii(LoadUnits(text), LoadUnits(text + LanesOfVector));
 }
 
 /// Whether 32 elements are ASCII.
-inline bool AreAscii(unsigned char const *text) noexcept
+inline bool Are32Ascii(unsigned char const *text) noexcept
 {
-    return _mm_movemask_epi8(_mm_or_si128(LoadVector(text), LoadVector(text + 16))) == 0;
+    return OtherThanAscii(LoadBytes(text) | LoadBytes(text + BytesOfVector)) == 0;
 }
 
-inline bool AreAscii(TCodeUnit const *text) noexcept
+inline bool Are32Ascii(TCodeUnit const *text) noexcept
 {
-    __m128i const all = _mm_or_si128(_mm_or_si128(LoadVector(text), LoadVector(text + 8)),
-                                     _mm_or_si128(LoadVector(text + 16), LoadVector(text + 24)));
-    __m128i const others = _mm_and_si128(all, _mm_set1_epi16(static_cast<short>(0xFF80)));
-    return _mm_movemask_epi8(_mm_cmpeq_epi16(others, _mm_setzero_si128())) == 0xFFFF;
+    return AreAscii((LoadUnits(text) | LoadUnits(text + LanesOfVector)) |
+                    (LoadUnits(text + 2 * LanesOfVector) | LoadUnits(text + 3 * LanesOfVector)));
 }
 
 /// Converts 16 elements as if all were ASCII.
 inline void CopyVector(unsigned char const *text, TCodeUnit *out) noexcept
 {
-    __m128i const bytes = LoadVector(text);
-    __m128i const zero = _mm_setzero_si128();
-    StoreVector(out, _mm_unpacklo_epi8(bytes, zero));
-    StoreVector(out + 8, _mm_unpackhi_epi8(bytes, zero));
+    StoreWidened(out, LoadBytes(text));
 }
 
 inline void CopyVector(TCodeUnit const *text, char *out) noexcept
 {
-    StoreVector(out, _mm_packus_epi16(LoadVector(text), LoadVector(text + 8)));
+    StoreBytes(out, Narrow(LoadUnits(text), LoadUnits(text + LanesOfVector)));
 }
-
-#else
-
-template <class From>
-std::uint32_t OthersInVector(From const *text) noexcept
-{
-    std::uint32_t others = 0;
-    for (int i = 0; i < VectorUnits; ++i)
-        others |= static_cast<std::uint32_t>(text[i] >= 0x80) << i;
-    return others;
-}
-
-template <class From>
-bool AreAscii(From const *text) noexcept
-{
-    return (OthersInVector(text) | OthersInVector(text + VectorUnits)) == 0;
-}
-
-template <class From, class To>
-void CopyVector(From const *text, To *out) noexcept
-{
-    for (int i = 0; i < VectorUnits; ++i)
-        out[i] = static_cast<To>(text[i]);
-}
-
-#endif
 
 /// A bit for each of 64 elements that is not ASCII.
 template <class From>
@@ -286,7 +236,7 @@ template <class From, class To>
 void CopyWhileAscii(From const *&text, From const *end, To *&out) noexcept
 {
     constexpr int Step = 2 * VectorUnits;
-    for (; end - text >= Step && AreAscii(text); text += Step, out += Step)
+    for (; end - text >= Step && Are32Ascii(text); text += Step, out += Step)
     {
         CopyVector(text, out);
         CopyVector(text + VectorUnits, out + VectorUnits);
@@ -375,7 +325,7 @@ TCodeUnit *DecodeUtf8(char const *bytes, int count, TCodeUnit *out) noexcept
     // single steps, after which no vector is stored across two cache lines.
     if (count >= BlockUnits + VectorUnits)
     {
-        while (*text < 0x80 && reinterpret_cast<std::uintptr_t>(out) % VectorBytes != 0)
+        while (*text < 0x80 && reinterpret_cast<std::uintptr_t>(out) % BytesOfVector != 0)
             DecodeStep(text, end, out);
     }
     return Convert(

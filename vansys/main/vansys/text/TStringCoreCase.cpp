@@ -41,17 +41,17 @@ struct LowerCase
     static constexpr TCodeUnit Probe[] = {'I', 0x0300};
     static constexpr TCodeUnit PlainAnswer[] = {'i', 0x0300};
 
-    static bool isSigma(TCodeUnit unit) noexcept { return unit == CapitalSigma; }
-    static TCodeUnit simple(CharacterTable const &table, TCodeUnit unit) noexcept
+    static bool IsSigma(TCodeUnit unit) noexcept { return unit == CapitalSigma; }
+    static TCodeUnit Simple(CharacterTable const &table, TCodeUnit unit) noexcept
     {
         return table.lower(unit);
     }
-    static TCodeUnit simpleIfKnown(CharacterTable const &table, TCodeUnit unit) noexcept
+    static TCodeUnit SimpleIfKnown(CharacterTable const &table, TCodeUnit unit) noexcept
     {
         return table.lowerIfKnown(unit);
     }
 
-    static int full(TCodeUnit *out, int capacity, TCodeUnit const *text, int length,
+    static int Full(TCodeUnit *out, int capacity, TCodeUnit const *text, int length,
                     VanICU::ICUErrorCode *status)
     {
         return VanICU::t_u_strToLower(out, capacity, text, length, DefaultLocale, status);
@@ -72,17 +72,17 @@ struct UpperCase
     static constexpr TCodeUnit Probe[] = {'i', CombiningDotAbove, 0x03AC};
     static constexpr TCodeUnit PlainAnswer[] = {'I', CombiningDotAbove, 0x0386};
 
-    static bool isSigma(TCodeUnit) noexcept { return false; }
-    static TCodeUnit simple(CharacterTable const &table, TCodeUnit unit) noexcept
+    static bool IsSigma(TCodeUnit) noexcept { return false; }
+    static TCodeUnit Simple(CharacterTable const &table, TCodeUnit unit) noexcept
     {
         return table.upper(unit);
     }
-    static TCodeUnit simpleIfKnown(CharacterTable const &table, TCodeUnit unit) noexcept
+    static TCodeUnit SimpleIfKnown(CharacterTable const &table, TCodeUnit unit) noexcept
     {
         return table.upperIfKnown(unit);
     }
 
-    static int full(TCodeUnit *out, int capacity, TCodeUnit const *text, int length,
+    static int Full(TCodeUnit *out, int capacity, TCodeUnit const *text, int length,
                     VanICU::ICUErrorCode *status)
     {
         return VanICU::t_u_strToUpper(out, capacity, text, length, DefaultLocale, status);
@@ -96,7 +96,7 @@ bool LanguageIsPlain()
 {
     TCodeUnit answer[8];
     VanICU::ICUErrorCode status = VanICU::U_ZERO_ERROR;
-    int const length = Case::full(answer, static_cast<int>(std::size(answer)), Case::Probe,
+    int const length = Case::Full(answer, static_cast<int>(std::size(answer)), Case::Probe,
                                   static_cast<int>(std::size(Case::Probe)), &status);
     return VanICU::ICU_SUCCESS(status) &&
            std::equal(answer, answer + length, std::begin(Case::PlainAnswer), std::end(Case::PlainAnswer));
@@ -110,7 +110,7 @@ public:
     SimpleMapping(TCodeUnit const *text, int length) noexcept : m_text(text), m_length(length) {}
 
     /// A position before which nothing changes; the length when nothing does at all.
-    int firstChange() const noexcept
+    int FirstChange() const noexcept
     {
         int i = 0;
         for (; m_length - i >= LanesOfVector; i += LanesOfVector)
@@ -119,44 +119,44 @@ public:
             if (!AreAscii(units))
             {
                 if (std::any_of(m_text + i, m_text + i + LanesOfVector,
-                                [this](TCodeUnit unit) { return changes(unit); }))
+                                [this](TCodeUnit unit) { return Changes(unit); }))
                     return i;
             }
             else if (LaneBits(AreBetween(units, Case::First, Case::Last)) != 0)
                 return i;
         }
-        while (i < m_length && !changes(m_text[i]))
+        while (i < m_length && !Changes(m_text[i]))
             ++i;
         return i;
     }
 
     /// Maps what begins at `i` into `out`, which has room for the whole text. Returns whether that was
     /// possible.
-    bool map(int i, TCodeUnit *out)
+    bool Map(int i, TCodeUnit *out)
     {
         for (; m_length - i >= LanesOfVector; i += LanesOfVector)
         {
-            if (!mapAscii(i, out) && !mapByTable(i, out) && !mapUnits(i, i + LanesOfVector, out))
+            if (!MapAscii(i, out) && !MapByTable(i, out) && !MapByUnit(i, i + LanesOfVector, out))
                 return false;
         }
         // One more vector ends with the text; what it begins with comes out as before.
         bool const done =
-            i == m_length || (m_length >= LanesOfVector && mapAscii(m_length - LanesOfVector, out));
-        if (!done && !mapUnits(i, m_length, out))
+            i == m_length || (m_length >= LanesOfVector && MapAscii(m_length - LanesOfVector, out));
+        if (!done && !MapByUnit(i, m_length, out))
             return false;
         bool const isPlain = LaneBits(m_asciiByLanguage) == 0 && (m_rules & Case::ByLanguage) == 0;
         return isPlain || LanguageIsPlain<Case>();
     }
 
 private:
-    bool changes(TCodeUnit unit) const noexcept
+    bool Changes(TCodeUnit unit) const noexcept
     {
         return (m_table.caseRules(unit) & (Case::NotSimple | Case::ByLanguage)) != 0 ||
-               Case::simple(m_table, unit) != unit;
+               Case::Simple(m_table, unit) != unit;
     }
 
     /// Maps eight units, if all are ASCII.
-    bool mapAscii(int i, TCodeUnit *out) noexcept
+    bool MapAscii(int i, TCodeUnit *out) noexcept
     {
         UnitVector const units = LoadUnits(m_text + i);
         if (!AreAscii(units))
@@ -167,8 +167,8 @@ private:
     }
 
     /// Maps eight units, if the table has them all and their mappings are simple. There is no branch for each
-    /// of them, as most text is mapped by this or by `mapAscii`.
-    bool mapByTable(int begin, TCodeUnit *out) noexcept
+    /// of them, as most text is mapped by this or by `MapAscii`.
+    bool MapByTable(int begin, TCodeUnit *out) noexcept
     {
         std::uint32_t any = 0;
         std::uint32_t all = CharacterTable::CaseRulesKnown;
@@ -176,7 +176,7 @@ private:
         for (int i = begin; i < begin + LanesOfVector; ++i)
         {
             std::uint32_t const rules = m_table.caseRulesIfKnown(m_text[i]);
-            std::uint32_t const mapped = Case::simpleIfKnown(m_table, m_text[i]);
+            std::uint32_t const mapped = Case::SimpleIfKnown(m_table, m_text[i]);
             any |= rules;
             all &= rules;
             unknown |= mapped - 1; // sets the upper bits when that was 0
@@ -186,20 +186,20 @@ private:
         return (any & Case::NotSimple) == 0 && all != 0 && unknown <= 0xFFFF;
     }
 
-    bool mapUnits(int i, int end, TCodeUnit *out) noexcept
+    bool MapByUnit(int i, int end, TCodeUnit *out) noexcept
     {
         for (; i < end; ++i)
         {
             TCodeUnit const unit = m_text[i];
             std::uint32_t const rules = m_table.caseRules(unit);
             m_rules |= rules;
-            out[i] = Case::simple(m_table, unit);
+            out[i] = Case::Simple(m_table, unit);
             if ((rules & Case::NotSimple) != 0)
             {
-                if (!Case::isSigma(unit))
+                if (!Case::IsSigma(unit))
                     return false;
                 // At the end of a word a sigma has a form of its own: behind a letter, and not before one.
-                if (letterLies(i - 1, -1) && !letterLies(i + 1, 1))
+                if (LetterLies(i - 1, -1) && !LetterLies(i + 1, 1))
                     out[i] = FinalSigma;
             }
         }
@@ -208,7 +208,7 @@ private:
 
     /// Whether the next character from `i` on that is not to be passed over is a letter. What it says of
     /// surrogates does not matter, as a text with any of them is left to ICU.
-    bool letterLies(int i, int step) const noexcept
+    bool LetterLies(int i, int step) const noexcept
     {
         for (; i >= 0 && i < m_length; i += step)
         {
@@ -223,7 +223,7 @@ private:
     TCodeUnit const *m_text;
     int m_length;
     UnitVector
-        m_asciiByLanguage{};   ///< not zero once `mapAscii` has met a letter that depends on the language
+        m_asciiByLanguage{};   ///< not zero once `MapAscii` has met a letter that depends on the language
     std::uint32_t m_rules = 0; ///< all that the table says of the units mapped by it
 };
 
@@ -236,7 +236,7 @@ bool MapInFull(TCodeUnit const *text, int length, StringStorage &out)
     {
         TCodeUnit *const units = out.setLengthForOverwrite(wanted);
         VanICU::ICUErrorCode status = VanICU::U_ZERO_ERROR;
-        wanted = Case::full(units, out.capacity() - 1, text, length, &status);
+        wanted = Case::Full(units, out.capacity() - 1, text, length, &status);
         if (VanICU::ICU_SUCCESS(status))
         {
             out.shorten(wanted);
@@ -261,13 +261,13 @@ TStringCore MapCase(TStringCore const &text)
 {
     int const length = text.length();
     SimpleMapping<Case> mapping(text.constData(), length);
-    int const first = mapping.firstChange();
+    int const first = mapping.FirstChange();
     if (first == length)
         return text;
     StringStorage result;
     TCodeUnit *const units = result.setLengthForOverwrite(length);
     std::memcpy(units, text.constData(), static_cast<std::size_t>(first) * sizeof *units);
-    if (!mapping.map(first, units) && !MapInFull<Case>(text.constData(), length, result))
+    if (!mapping.Map(first, units) && !MapInFull<Case>(text.constData(), length, result))
         return text;
     return StringAccess::Adopt(std::move(result));
 }

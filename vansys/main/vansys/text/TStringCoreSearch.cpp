@@ -1,64 +1,111 @@
 // Searches for text, units and units of a set.
 
 #include "main/vansys/string/RawText.h"
-#include "main/vansys/string/TextSearch.h"
+#include "main/vansys/string/TextSearchVector.h"
 #include "main/vansys/string/UnitSet.h"
 #include "main/vansys/text/CaseFolding.h"
 #include "vansys/TStringCore.h"
 
 #include <algorithm>
-#include <cstring>
 
 using vansys::StringFunctions;
-using vansys::detail::RawText;
-using vansys::detail::TwinText;
-using vansys::detail::UnitSet;
+using namespace vansys::detail;
 
 namespace
 {
 
 constexpr int NotFound = -1;
 
-/// Two ways to tell whether text matches: how a unit is represented, and whether all units of two texts
-/// are the same.
-struct Exactly
+/// How the search without regard to case finds the places worth a closer look: among ASCII, by two units of
+/// the needle, in both cases. Where there is anything else, all are.
+template <int Bytes>
+class FoldedCandidates
 {
-    static TCodeUnit representative(TCodeUnit unit) noexcept { return unit; }
-
-    static bool areSame(TCodeUnit const *a, TCodeUnit const *b, int count) noexcept
+public:
+    FoldedCandidates(TCodeUnit const *needle, int offset) noexcept
+        : m_first(needle[0]),
+          m_other(needle[offset]),
+          m_offset(offset)
     {
-        return std::memcmp(a, b, static_cast<std::size_t>(count) * sizeof *a) == 0;
+    }
+
+    std::uint32_t In(TCodeUnit const *places) const noexcept
+    {
+        UnitVector const first = LoadUnits(places);
+        UnitVector const other = LoadUnits(places + m_offset);
+        if (AreAscii(first | other))
+            return LaneBits(m_first.Equals(first) & m_other.Equals(other));
+        return AllLanes;
+    }
+
+private:
+    static_assert(Bytes == BytesOfVector);
+
+    /// Both cases of a unit, the same twice where it has but one in ASCII.
+    class BothCases
+    {
+    public:
+        explicit BothCases(TCodeUnit unit) noexcept
+            : m_folded(Spread(FoldUnit(unit))),
+              m_upper(m_folded ^ (AreBetween(m_folded, 'a', 'z') & AsciiCaseBit))
+        {
+        }
+
+        UnitVector Equals(UnitVector units) const noexcept
+        {
+            return (units == m_folded) | (units == m_upper);
+        }
+
+    private:
+        UnitVector m_folded;
+        UnitVector m_upper;
+    };
+
+    BothCases m_first;
+    BothCases m_other;
+    int m_offset;
+};
+
+struct SearchWithoutCase : WithoutCase
+{
+
+    template <int Bytes>
+    using Candidates = FoldedCandidates<Bytes>;
+
+    template <Direction direction>
+    static TCodeUnit const *FindTwoWay(TCodeUnit const *text, TCodeUnit const *end, TCodeUnit const *needle,
+                                       int needleLength) noexcept
+    {
+        using Text = DirectedText<direction>;
+        return TwoWaySearch<direction, WithoutCase>(Text(needle, needle + needleLength))
+            .Find(Text(text, end));
     }
 };
 
-struct WithoutCase
+/// In a part of a text, in which the needle, which is not empty, has room.
+template <Direction direction>
+int FindIn(RawText text, int from, int to, RawText needle,
+           StringFunctions::CaseSensitivity sensitivity) noexcept
 {
-    static TCodeUnit representative(TCodeUnit unit) noexcept { return vansys::detail::FoldUnit(unit); }
-
-    static bool areSame(TCodeUnit const *a, TCodeUnit const *b, int count) noexcept
+    TCodeUnit const *const begin = text.units + from;
+    TCodeUnit const *const end = text.units + to;
+    auto const find = [&]() -> TCodeUnit const *
     {
-        return std::equal(a, a + count, b,
-                          [](TCodeUnit x, TCodeUnit y)
-                          { return x == y || representative(x) == representative(y); });
-    }
-};
-
-/// The first place where the needle begins, of those from `from` up to `to`, which is no longer one of them,
-/// in steps of 1 or -1. The needle is not empty.
-template <class Match>
-int findByStep(TCodeUnit const *text, int from, int to, int step, RawText needle) noexcept
-{
-    TCodeUnit const first = Match::representative(*needle.units);
-    for (int place = from; place != to; place += step)
-    {
-        if (Match::representative(text[place]) == first &&
-            Match::areSame(text + place, needle.units, needle.length))
-            return place;
-    }
-    return NotFound;
+        if (sensitivity == StringFunctions::CaseInsensitive)
+            return FindByVector<direction, SearchWithoutCase, BytesOfVector>(begin, end, needle.units,
+                                                                             needle.length);
+        TextSearches const &searches = OwnTextSearches();
+        if (direction == Direction::Backwards)
+            return searches.findLast(begin, end, needle.units, needle.length);
+        if (needle.length == 1)
+            return searches.findUnit(begin, end, *needle.units);
+        return searches.findFirst(begin, end, needle.units, needle.length);
+    };
+    TCodeUnit const *const match = find();
+    return match ? static_cast<int>(match - text.units) : NotFound;
 }
 
-int findForwards(RawText text, RawText needle, int start,
+int FindForwards(RawText text, RawText needle, int start,
                  StringFunctions::CaseSensitivity sensitivity) noexcept
 {
     int const from = std::max(start, 0);
@@ -66,18 +113,10 @@ int findForwards(RawText text, RawText needle, int start,
         return NotFound;
     if (needle.length == 0)
         return from;
-    if (sensitivity == StringFunctions::CaseInsensitive)
-        return findByStep<WithoutCase>(text.units, from, text.length - needle.length + 1, 1, needle);
-    vansys::detail::TextSearches const &searches = vansys::detail::OwnTextSearches();
-    TCodeUnit const *const begin = text.units + from;
-    TCodeUnit const *const end = text.units + text.length;
-    TCodeUnit const *const match = needle.length == 1
-                                       ? searches.findUnit(begin, end, *needle.units)
-                                       : searches.findText(begin, end, needle.units, needle.length);
-    return match ? static_cast<int>(match - text.units) : NotFound;
+    return FindIn<Direction::Forwards>(text, from, text.length, needle, sensitivity);
 }
 
-int findBackwards(RawText text, RawText needle, int start,
+int FindBackwards(RawText text, RawText needle, int start,
                   StringFunctions::CaseSensitivity sensitivity) noexcept
 {
     int const from = start < 0 ? text.length : start;
@@ -86,9 +125,7 @@ int findBackwards(RawText text, RawText needle, int start,
     if (needle.length > text.length)
         return NotFound;
     int const last = std::min(from, text.length - needle.length);
-    return sensitivity == StringFunctions::CaseInsensitive
-               ? findByStep<WithoutCase>(text.units, last, -1, -1, needle)
-               : findByStep<Exactly>(text.units, last, -1, -1, needle);
+    return FindIn<Direction::Backwards>(text, 0, last + needle.length, needle, sensitivity);
 }
 
 /// The first element at or after `start` that is in the set, or that is not.
@@ -99,7 +136,7 @@ int FindMemberFrom(RawText text, int start, Set const &set, bool isMember) noexc
     if (from >= text.length)
         return NotFound;
     TCodeUnit const *const end = text.units + text.length;
-    TCodeUnit const *const match = vansys::detail::FindMember(text.units + from, end, set, isMember);
+    TCodeUnit const *const match = FindMember(text.units + from, end, set, isMember);
     return match == end ? NotFound : static_cast<int>(match - text.units);
 }
 
@@ -112,13 +149,12 @@ int FindUnit(RawText text, RawText set, int start, bool isMember) noexcept
 int FindTwinElement(TwinText const &text, TwinText const &set, int start, bool isMember)
 {
     constexpr bool AreCodePoints = sizeof(TWideTwin) != sizeof(TCodeUnit);
-    return vansys::detail::WithSet(set.units(), set.length(), AreCodePoints,
-                                   [&](auto const &members)
-                                   {
-                                       return text.position(
-                                           FindMemberFrom(RawText(text.units(), text.length()),
-                                                          text.unitPosition(start), members, isMember));
-                                   });
+    return WithSet(set.units(), set.length(), AreCodePoints,
+                   [&](auto const &members)
+                   {
+                       return text.position(FindMemberFrom(RawText(text.units(), text.length()),
+                                                           text.unitPosition(start), members, isMember));
+                   });
 }
 
 } // namespace
@@ -126,13 +162,13 @@ int FindTwinElement(TwinText const &text, TwinText const &set, int start, bool i
 int StringFunctions::findStr(TCodeUnit const *text, int length, TCodeUnit const *needle, int needleLength,
                              int start, CaseSensitivity sensitivity)
 {
-    return findForwards(RawText(text, length), RawText(needle, needleLength), start, sensitivity);
+    return FindForwards(RawText(text, length), RawText(needle, needleLength), start, sensitivity);
 }
 
 int StringFunctions::findChar(TCodeUnit const *text, int length, TCodeUnit unit, int start,
                               CaseSensitivity sensitivity)
 {
-    return findForwards(RawText(text, length), RawText(&unit, 1), start, sensitivity);
+    return FindForwards(RawText(text, length), RawText(&unit, 1), start, sensitivity);
 }
 
 int StringFunctions::findOneOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
@@ -161,12 +197,12 @@ int StringFunctions::findOneNotOf(TWideTwin const *text, int length, TWideTwin c
 
 int TStringCore::indexOf(Text const &text, int start, CaseSensitivity sensitivity) const noexcept
 {
-    return findForwards(*this, text, start, sensitivity);
+    return FindForwards(*this, text, start, sensitivity);
 }
 
 int TStringCore::lastIndexOf(Text const &text, int start, CaseSensitivity sensitivity) const noexcept
 {
-    return findBackwards(*this, text, start, sensitivity);
+    return FindBackwards(*this, text, start, sensitivity);
 }
 
 int TStringCore::count(Text const &text, CaseSensitivity sensitivity) const noexcept
