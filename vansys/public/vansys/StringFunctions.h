@@ -89,7 +89,8 @@ public:
                         CaseSensitivity sensitivity = CaseSensitive);
 
     // Search. The result is the position of the first match at or after `start`, or -1. A negative `start` is
-    // 0.
+    // 0. The time is linear: in proportion to the units passed over and those of the needle, whatever the
+    // text and with either sensitivity. Nothing is allocated, but for converting twins.
 
     /// An empty needle is found at `start`, when that lies in 0 to the text's length.
     static int findStr(TCodeUnit const *text, int length, TCodeUnit const *needle, int needleLength,
@@ -110,8 +111,9 @@ public:
         return findStr(text, length, &unit, 1, start, sensitivity);
     }
 
-    /// The first unit that is in the set. Each half of a surrogate pair is a unit of its own; where the twin
-    /// is UTF-32, its sets are ones of code points.
+    /// The first unit that is in the set. Takes time for each unit passed over; where that is not ASCII, in
+    /// proportion to the size of the set at worst. Each half of a surrogate pair is a unit of its own; where
+    /// the twin is UTF-32, its sets are ones of code points.
     static int findOneOf(TCodeUnit const *text, int length, TCodeUnit const *set, int setLength,
                          int start = 0);
     static int findOneOf(TWideTwin const *text, int length, TWideTwin const *set, int setLength,

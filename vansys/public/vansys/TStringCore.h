@@ -422,7 +422,10 @@ public:
     /// 16-bit values, over the full length, the shorter text first.
     int compare(Text const &other, CaseSensitivity sensitivity = CaseSensitive) const noexcept;
 
-    // Search. Positions are those of the first unit of a match; -1 when there is none.
+    // Search. Positions are those of the first unit of a match; -1 when there is none. From either end and
+    // with either sensitivity, the time is in proportion to the units passed over and those of the text
+    // sought, at worst; so is that of what is made of searches: `count`, `replace`, `removeAll`, `split`,
+    // `section`.
 
     /// The first match at or after `start`; a negative `start` is 0. An empty text is found at `start`, when
     /// that lies in 0 to `length()`.
