@@ -110,6 +110,7 @@ Subject const Subjects[] = {
          "AcquireFor | Acquire | Release",
          "AcquireFor Release | AcquireFor Release | Release TryAcquire",
          "Acquire Acquire | Release | Release",
+         "Release TryAcquire | Release TryAcquire",
      },
      0},
     {"ManualResetEvent",

@@ -319,14 +319,16 @@ void Scheduler::Go()
 /// When nobody is in the middle of a call, those who sleep have to.
 void Scheduler::Rest()
 {
-    std::array<bool, MaxThreads> asleep{};
+    std::array<Rested, MaxThreads> threads{};
     for (std::size_t index = 0; index < m_prober; ++index)
     {
-        if (m_threads[index].state == Thread::Running)
+        Thread const &thread = m_threads[index];
+        if (thread.state == Thread::Running)
             return;
-        asleep[index] = m_threads[index].state == Thread::Asleep;
+        if (thread.state == Thread::Asleep)
+            threads[index] = thread.deadline == Never ? Rested::Asleep : Rested::AsleepAWhile;
     }
-    m_witness.Rest(asleep);
+    m_witness.Rest(threads);
     if (m_witness.Possible().empty())
         Fail("the rules do not explain who sleeps");
 }

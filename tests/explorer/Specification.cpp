@@ -107,17 +107,18 @@ void Witness::End(std::size_t thread, bool result)
         now.threads[thread] = Phase::Idle;
 }
 
-void Witness::Rest(std::array<bool, MaxThreads> const &asleep)
+void Witness::Rest(std::array<Rested, MaxThreads> const &threads)
 {
     auto const couldGoOn = [&](Situation const &now)
     {
         Situations next;
         for (std::size_t thread = 0; thread < MaxThreads; ++thread)
         {
-            if (asleep[thread] && now.threads[thread] > Phase::Waiting)
+            if (threads[thread] == Rested::Awake)
+                continue;
+            if (now.threads[thread] > Phase::Waiting)
                 return true;
-            if (asleep[thread])
-                m_rules(now, thread, m_calls[thread], false, next);
+            m_rules(now, thread, m_calls[thread], threads[thread] == Rested::Asleep, next);
         }
         return !next.empty();
     };

@@ -46,6 +46,14 @@ extern Rules const SemaphoreRules;     ///< units
 extern Rules const ManualResetRules;   ///< 1 while the event is set
 extern Rules const AutoResetRules;     ///< 1 while the event is set
 
+/// What a thread does while none is at work.
+enum class Rested : std::uint8_t
+{
+    Awake,
+    Asleep,      ///< for ever, if it depends on the clock
+    AsleepAWhile ///< until its time limit
+};
+
 /// All situations in which an object may be after what was seen of it. A call takes its steps at any moments
 /// between its beginning and its end. Where no situation is left, no such moments explain what was seen.
 class Witness
@@ -56,8 +64,8 @@ public:
     void Begin(std::size_t thread, std::string_view call);
     void End(std::size_t thread, bool result);
 
-    /// No thread is at work, and these are asleep: so each of them has to wait.
-    void Rest(std::array<bool, MaxThreads> const &asleep);
+    /// No thread is at work: so each that is asleep has to wait, and not for longer than its time limit.
+    void Rest(std::array<Rested, MaxThreads> const &threads);
 
     Situations const &Possible() const { return m_situations; } // sorted
 
