@@ -15,13 +15,13 @@
 /// memory that the object was made in, and what is known of it by its rules.
 ///
 /// To have another class explored:
-/// 1. It waits by what `platform/Atomic.h` and `platform/Futex.h` name. It has no thread-local variables, and
-///    allocates in its constructor only.
+/// 1. It waits by what `platform/Atomic.h`, `Futex.h`, `Clock.h` and `SpinWait.h` name. It has no variables
+///    of a thread, and allocates in its constructor only.
 /// 2. Its source goes into CMakeLists.txt, and its rules into Specification.cpp.
 /// 3. Programs.cpp gets an adapter from the names of calls to its functions, and programs for two or three
-/// threads
-///    with one or two calls each. A program may have a million states.
-/// Faults are planted in it by themselves: see `Fault`.
+///    threads with one or two calls each. A program may have a million states.
+/// 4. Faults are planted in it by themselves: see `Fault`. Where one is not found, a program is missing, or
+///    it does no harm: `harmlessPlants` counts those.
 #pragma once
 
 #include "explorer/Specification.h"
@@ -158,7 +158,7 @@ private:
     Object m_object;
     Witness m_witness;
     Time m_now{};
-    int m_wakesForNoReason = 0; // that may still happen
+    int m_wakesForNoReason = 0; // that may still come
     std::size_t m_current = 0;
     std::size_t m_depth = 0;                  // in the path
     std::vector<std::uint64_t> m_statesAlone; // since only the current thread takes steps
