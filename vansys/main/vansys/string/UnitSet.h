@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 namespace vansys::detail
 {
@@ -127,6 +128,9 @@ template <class Set>
 TCodeUnit const *FindMember(TCodeUnit const *text, TCodeUnit const *end, Set const &set,
                             bool isMember) noexcept
 {
+    if constexpr (std::is_same_v<Set, UnitSet>)
+        return std::find_if(text, end, [&](TCodeUnit unit) { return set.Contains(unit) == isMember; });
+
     while (text != end)
     {
         int const length = set.LengthAt(text, end);
