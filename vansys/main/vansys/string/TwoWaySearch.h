@@ -61,40 +61,37 @@ public:
         Suffix const &critical = suffix.begin > opposite.begin ? suffix : opposite;
         m_critical = critical.begin;
         m_shift = critical.period;
-        m_isPeriodic = HasPeriod(m_critical, critical.period);
-        if (!m_isPeriodic) // the period is longer than either part
+        if (!HasPeriod(m_critical, critical.period)) // the period is longer than either part
             m_shift = (m_critical > Length() - m_critical ? m_critical : Length() - m_critical) + 1;
     }
 
     /// The first place of the needle, by the direction; null when there is none.
     TCodeUnit const *Find(DirectedText<direction> text) const noexcept
     {
-        int known = 0; // units at the start of the needle that are known to be at this place
         for (int place = 0; text.Length() - place >= Length();)
         {
             // By far the most places of usual text are passed here.
             if (!MayHave(text[place + Length() - 1]))
             {
                 place += Length();
-                known = 0;
                 continue;
             }
-            int i = known > m_critical ? known : m_critical;
+            int i = m_critical;
             while (i < Length() && Way::IsSame(m_needle[i], text[place + i]))
                 ++i;
             if (i < Length())
             {
                 place += i - m_critical + 1;
-                known = 0;
                 continue;
             }
             i = m_critical;
-            while (i > known && Way::IsSame(m_needle[i - 1], text[place + i - 1]))
+            while (i > 0 && Way::IsSame(m_needle[i - 1], text[place + i - 1]))
                 --i;
-            if (i <= known)
+            if (i == 0)
                 return text.Place(place, Length());
+            // Where the period is short, what has matched need not be remembered, as it would have to be for
+            // all matches: the next place is the match, or is followed by a long step.
             place += m_shift;
-            known = m_isPeriodic ? Length() - m_shift : 0;
         }
         return nullptr;
     }
@@ -160,7 +157,6 @@ private:
     std::uint64_t m_units = 0; ///< a bit for each unit of the needle, by the lower bits of its key
     int m_critical;            ///< the needle is compared from here on first, and then what is before
     int m_shift;               ///< how far to go on when only what is before differs
-    bool m_isPeriodic;
 };
 
 } // namespace vansys::detail
