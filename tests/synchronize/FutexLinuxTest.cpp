@@ -1,14 +1,11 @@
-// What only Linux has: when the kernel is called, and what interrupts a wait.
+// What only Linux has: when the kernel is called, what time it goes by, and what interrupts a wait.
 
 #include "main/platform/Futex.h"
-
-#include "vansys/TReadWriteLock.h"
-#include "vansys/TRecursiveMutex.h"
-#include "vansys/TSemaphore.h"
 
 #include "support/FutexCalls.h"
 #include "support/SleepingThread.h"
 #include "support/StoppedClock.h"
+#include "synchronize/LockRows.h"
 
 #include <gtest/gtest.h>
 
@@ -16,9 +13,11 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <functional>
+#include <ctime>
 #include <pthread.h>
+#include <random>
 #include <thread>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 using vansys::detail::Clock;
@@ -51,184 +50,124 @@ TEST(Futex, WaitEndsWhenTheClockShowsTheDeadline)
             isOver = true;
         });
     thread.WaitUntilAsleep();
-    clock.Advance(1h - 1ns);
-    thread.WaitUntilAsleep();
-    EXPECT_FALSE(isOver);
-    clock.Advance(1ns);
-}
-
-TEST(Futex, IsNotCalledWhileNobodyWaits)
-{
-    TRecursiveMutex mutex;
-    TReadWriteLock lock;
-    auto const semaphore = TSemaphore::Construct(0);
-    FutexCalls const calls;
-    for (int i = 0; i < 1000; ++i)
+    for (auto const part : {30min, 29min})
     {
-        mutex.Lock();
-        mutex.Lock();
-        mutex.Unlock();
-        mutex.Unlock();
-        lock.Lock();
-        lock.LockRead();
-        lock.Unlock();
-        lock.UnlockRead();
-        semaphore->Release();
-        semaphore->Acquire();
-        semaphore->TryAcquire(0);
+        clock.Advance(part);
+        thread.WaitUntilAsleep();
+        EXPECT_FALSE(isOver);
     }
-    EXPECT_EQ(calls.Count(), 0);
+    clock.Advance(1min);
 }
 
 /// A sleeper is woken by one call, and leaves nothing behind that makes later calls.
 TEST(Futex, IsCalledForSleepersOnly)
 {
-    TRecursiveMutex mutex;
-    TReadWriteLock lock;
-    auto const semaphore = TSemaphore::Construct(0);
-    auto const release = [&] { semaphore->Release(); };
-    auto const acquire = [&] { semaphore->Acquire(); };
-    struct
+    LockRows const locks;
+    for (LockRow const &row : locks.rows)
     {
-        char const *name;
-        std::function<void()> take;
-        std::function<void()> give;
-        std::function<void()> wait;
-    } const rows[] = {
-        {"mutex", [&] { mutex.Lock(); }, [&] { mutex.Unlock(); },
-         [&]
-         {
-             mutex.Lock();
-             mutex.Unlock();
-         }},
-        {"reader behind writer", [&] { lock.Lock(); }, [&] { lock.Unlock(); },
-         [&]
-         {
-             lock.LockRead();
-             lock.UnlockRead();
-         }},
-        {"writer behind writer", [&] { lock.Lock(); }, [&] { lock.Unlock(); },
-         [&]
-         {
-             lock.Lock();
-             lock.Unlock();
-         }},
-        {"writer behind reader", [&] { lock.LockRead(); }, [&] { lock.UnlockRead(); },
-         [&]
-         {
-             lock.Lock();
-             lock.Unlock();
-         }},
-        {"semaphore", [] {}, release, acquire},
-    };
-    for (auto const &row : rows)
-    {
+        SCOPED_TRACE(row.name);
+        auto const countUncontended = [&row]
+        {
+            FutexCalls const calls;
+            for (int i = 0; i < 100; ++i)
+                row.take(), row.give(), row.pass();
+            return calls.Count();
+        };
+        EXPECT_EQ(countUncontended(), 0);
         row.take();
         {
-            SleepingThread const thread(row.wait);
+            SleepingThread const thread(row.pass);
             thread.WaitUntilAsleep();
             FutexCalls const calls;
             row.give();
-            EXPECT_GE(calls.Count(), 1) << row.name;
+            EXPECT_GE(calls.Count(), 1);
         }
-        FutexCalls const calls;
-        row.take();
-        row.give();
-        EXPECT_EQ(calls.Count(), 0) << row.name;
-        semaphore->TryAcquire();
+        EXPECT_EQ(countUncontended(), 0);
     }
+    FutexCalls const calls;
+    EXPECT_FALSE(TSemaphore::Construct(0)->TryAcquire(0));
+    EXPECT_EQ(calls.Count(), 0);
 }
 
 namespace
 {
 
-/// Interrupts threads. The handler counts, and lets interrupted calls of the kernel fail.
-class Interruptions : public testing::Test
+std::atomic<int> g_handled{0};
+std::atomic<bool> g_isHeld{false}; // keeps threads in the handler
+
+/// Lets an interrupted call of the kernel fail.
+void Handle(int)
 {
-protected:
-    void SetUp() override
-    {
-#if defined(__SANITIZE_THREAD__)
-        GTEST_SKIP() << "the sanitizer runs handlers only after the wait";
-#endif
-        s_handled = 0;
-        struct sigaction action = {};
-        action.sa_handler = [](int) { ++s_handled; };
-        sigaction(SIGUSR1, &action, &m_previous);
-    }
+    ++g_handled;
+    while (g_isHeld)
+        sched_yield();
+}
 
-    void TearDown() override
-    {
-        sigaction(SIGUSR1, &m_previous, nullptr);
-    }
+/// Returns when the thread is in the handler.
+void Interrupt(pthread_t thread)
+{
+    int const before = g_handled;
+    pthread_kill(thread, SIGUSR1);
+    while (g_handled == before)
+        std::this_thread::yield();
+}
 
-    static void Interrupt(pthread_t thread)
-    {
-        int const before = s_handled;
-        pthread_kill(thread, SIGUSR1);
-        while (s_handled == before)
-            std::this_thread::yield();
-    }
-
-private:
-    inline static std::atomic<int> s_handled;
-
-    struct sigaction m_previous = {};
-};
+/// The signal comes from a timer, as another thread may not be running at that moment.
+void PassInterrupted(LockRow const &row, long nanoseconds)
+{
+    sigevent event = {};
+    event.sigev_notify = SIGEV_THREAD_ID;
+    event.sigev_signo = SIGUSR1;
+    event._sigev_un._tid = gettid();
+    timer_t timer{};
+    timer_create(CLOCK_MONOTONIC, &event, &timer);
+    itimerspec const delay = {{}, {0, nanoseconds + 1}};
+    timer_settime(timer, 0, &delay, nullptr);
+    row.pass();
+    timer_delete(timer);
+}
 
 } // namespace
 
-TEST_F(Interruptions, DoNotEndWaits)
+/// Interrupted, a thread that waits goes on waiting; and one that is stopped on its way into a lock does not
+/// hold it, and must not keep others asleep.
+TEST(Futex, InterruptionsNeitherEndNorProlongWaits)
 {
-    TRecursiveMutex mutex;
-    auto const semaphore = TSemaphore::Construct(0);
-    struct
+#if defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer runs handlers only after the wait";
+#endif
+    struct sigaction action = {};
+    struct sigaction previous = {};
+    action.sa_handler = Handle;
+    sigaction(SIGUSR1, &action, &previous);
+    LockRows const locks;
+    std::minstd_rand random(1);
+    for (LockRow const &row : locks.rows)
     {
-        std::function<void()> wait;
-        std::function<void()> end;
-    } const rows[] = {
-        {[&] { semaphore->Acquire(); }, [&] { semaphore->Release(); }},
-        {[&] { mutex.Lock(), mutex.Unlock(); }, [&] { mutex.Unlock(); }},
-    };
-    mutex.Lock();
-    for (auto const &row : rows)
-    {
-        std::atomic<pthread_t> id{};
-        std::atomic<bool> isOver{false};
-        SleepingThread const thread(
-            [&]
-            {
-                id = pthread_self();
-                row.wait();
-                isOver = true;
-            });
-        for (int i = 0; i < 5; ++i)
+        SCOPED_TRACE(row.name);
+        for (int round = 0; round < 15; ++round)
         {
-            thread.WaitUntilAsleep();
+            std::atomic<pthread_t> id{};
+            std::atomic<bool> hasPassed{false};
+            row.take();
+            SleepingThread const sleeper([&] { id = pthread_self(), row.pass(), hasPassed = true; });
+            sleeper.WaitUntilAsleep();
             Interrupt(id);
-        }
-        thread.WaitUntilAsleep();
-        EXPECT_FALSE(isOver);
-        row.end();
-    }
-}
+            sleeper.WaitUntilAsleep();
+            EXPECT_FALSE(hasPassed);
 
-TEST_F(Interruptions, DoNotMoveDeadlines)
-{
-    auto const semaphore = TSemaphore::Construct(0);
-    auto const start = Clock::Now();
-    std::atomic<bool> isOver{false};
-    std::thread thread(
-        [&]
-        {
-            EXPECT_FALSE(semaphore->TryAcquire(100));
-            isOver = true;
-            isOver.wait(true); // stays to be interrupted
-        });
-    while (!isOver)
-        Interrupt(thread.native_handle());
-    EXPECT_GE(Clock::Now() - start, 100ms);
-    isOver = false;
-    isOver.notify_one();
-    thread.join();
+            g_isHeld = true;
+            int const before = g_handled;
+            std::thread late([&] { PassInterrupted(row, static_cast<long>(random() % 6000)); });
+            while (g_handled == before)
+                std::this_thread::yield();
+            row.give();
+            for (auto const end = Clock::Now() + 20s; !hasPassed && Clock::Now() < end;)
+                std::this_thread::yield();
+            EXPECT_TRUE(hasPassed);
+            g_isHeld = false;
+            late.join();
+        }
+    }
+    sigaction(SIGUSR1, &previous, nullptr);
 }

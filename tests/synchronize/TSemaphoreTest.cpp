@@ -63,22 +63,14 @@ TEST(TSemaphore, CountsUnits)
     EXPECT_EQ(semaphore->UseCount(), 1);
     semaphore->Acquire();
     EXPECT_TRUE(semaphore->TryAcquire(TSemaphore::NoTimeout));
-    EXPECT_FALSE(semaphore->TryAcquire());
     EXPECT_FALSE(semaphore->TryAcquire(0));
+    auto const start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(semaphore->TryAcquire(20));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
     std::thread([&] { semaphore->Release(); }).join();
     EXPECT_TRUE(semaphore->TryAcquire(1000));
     EXPECT_EQ(Drain(TSemaphore::Construct(0)), 0);
     EXPECT_EQ(Drain(TSemaphore::Construct(3)), 3);
-}
-
-TEST(TSemaphore, TimeoutIsWaitedFor)
-{
-    SemaphorePtr const semaphore = TSemaphore::Construct(0);
-    auto const start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(semaphore->TryAcquire(30));
-    auto const waited = std::chrono::steady_clock::now() - start;
-    EXPECT_GE(waited, std::chrono::milliseconds(30));
-    EXPECT_LT(waited, std::chrono::seconds(30));
 }
 
 TEST(TSemaphore, ReleaseWakesEachKindOfWait)
@@ -87,12 +79,7 @@ TEST(TSemaphore, ReleaseWakesEachKindOfWait)
     std::atomic<int> acquired{0};
     {
         SleepingThread const threads[] = {
-            SleepingThread(
-                [&]
-                {
-                    semaphore->Acquire();
-                    ++acquired;
-                }),
+            SleepingThread([&] { semaphore->Acquire(), ++acquired; }),
             SleepingThread([&] { acquired += semaphore->TryAcquire(TSemaphore::NoTimeout); }),
             SleepingThread([&] { acquired += semaphore->TryAcquire(TSemaphore::NoTimeout - 1); }),
         };
@@ -110,7 +97,6 @@ TEST(TSemaphore, LimitsAreExceptions)
 {
     for (unsigned int const count : {MaxUnits + 1, ~0u})
         ExpectFailure([count] { TSemaphore::Construct(count); }, "Construct", InvalidCount);
-
     SemaphorePtr const full = TSemaphore::Construct(MaxUnits);
     ExpectFailure([&] { full->Release(); }, "Release", TooManyUnits);
     full->Acquire();
@@ -123,7 +109,7 @@ TEST(TSemaphoreScope, HoldsOneUnit)
     SemaphorePtr const semaphore = TSemaphore::Construct(2);
     {
         ScopePtr const first = new TSemaphoreScope(semaphore);
-        ScopePtr const second = new TSemaphoreScope(semaphore, 0);
+        ScopePtr second = new TSemaphoreScope(semaphore, 0);
         ScopePtr const third = new TSemaphoreScope(semaphore, 1);
         EXPECT_TRUE(first->IsAcquired());
         EXPECT_TRUE(second->IsAcquired());
@@ -135,33 +121,25 @@ TEST(TSemaphoreScope, HoldsOneUnit)
         first->Reset();
         third->Reset();
         EXPECT_EQ(Drain(semaphore), 1);
+        std::thread other([own = std::move(second)]() mutable { own.reset(); });
+        semaphore->Acquire(); // what it was handed to gives back
+        other.join();
     }
-    EXPECT_EQ(Drain(semaphore), 1) << "the second one's";
+    EXPECT_EQ(Drain(semaphore), 0);
     EXPECT_EQ(semaphore->UseCount(), 1);
 }
 
-TEST(TSemaphoreScope, IsHandedOn)
-{
-    SemaphorePtr const semaphore = TSemaphore::Construct(1);
-    ScopePtr scope = new TSemaphoreScope(semaphore);
-    std::thread other([own = std::move(scope)]() mutable { own.reset(); });
-    semaphore->Acquire();
-    other.join();
-}
-
-TEST(TSemaphoreScope, NullSemaphore)
+TEST(TSemaphoreScope, FailuresLeaveItEmptyOrFull)
 {
     EXPECT_THROW(new TSemaphoreScope(nullptr), VantrelException);
     EXPECT_THROW(new TSemaphoreScope(nullptr, 1), VantrelException);
-    RecordedAssertions assertions;
-    EXPECT_FALSE(ScopePtr(new TSemaphoreScope(nullptr))->IsAcquired());
-    EXPECT_FALSE(ScopePtr(new TSemaphoreScope(nullptr, 1))->IsAcquired());
-    EXPECT_EQ(assertions.Take(),
-              std::vector<std::string>(2, "vansys/public/vansys/ReferenceCount:361: m_ptr"));
-}
-
-TEST(TSemaphoreScope, SemaphoreThatTakesNothingBack)
-{
+    {
+        RecordedAssertions assertions;
+        EXPECT_FALSE(ScopePtr(new TSemaphoreScope(nullptr))->IsAcquired());
+        EXPECT_FALSE(ScopePtr(new TSemaphoreScope(nullptr, 1))->IsAcquired());
+        EXPECT_EQ(assertions.Take(),
+                  std::vector<std::string>(2, "vansys/public/vansys/ReferenceCount:361: m_ptr"));
+    }
     SemaphorePtr const semaphore = TSemaphore::Construct(MaxUnits);
     ScopePtr scope = new TSemaphoreScope(semaphore);
     semaphore->Release();
@@ -178,7 +156,7 @@ TEST(TSemaphoreStress, UnitsAreConserved)
     constexpr int Units = 2;
     SemaphorePtr const semaphore = TSemaphore::Construct(Units);
     std::atomic<int> inside{0};
-    std::atomic<int> most{0};
+    std::atomic<bool> isOverfull{false};
     RunStress(4,
               [&](StressRandom &random)
               {
@@ -186,40 +164,11 @@ TEST(TSemaphoreStress, UnitsAreConserved)
                       semaphore->Acquire();
                   else if (!semaphore->TryAcquire(static_cast<unsigned int>(random() % 3)))
                       return;
-                  int const now = ++inside;
-                  if (now > most)
-                      most = now;
+                  if (++inside > Units)
+                      isOverfull = true;
                   --inside;
                   semaphore->Release();
               });
-    EXPECT_LE(most, Units);
+    EXPECT_FALSE(isOverfull);
     EXPECT_EQ(Drain(semaphore), Units);
-}
-
-/// Every release must be seen by a thread that falls asleep at that very moment, or the game stops.
-TEST(TSemaphoreStress, NoWakeUpIsLost)
-{
-    constexpr int Rounds = 50000;
-    SemaphorePtr const ping = TSemaphore::Construct(0);
-    SemaphorePtr const pong = TSemaphore::Construct(0);
-    int turns = 0; // plain: the thread sanitizer sees whether the semaphores order what both threads do
-    std::thread other(
-        [&]
-        {
-            for (int round = 0; round < Rounds; ++round)
-            {
-                ping->Acquire();
-                ++turns;
-                pong->Release();
-            }
-        });
-    for (int round = 0; round < Rounds; ++round)
-    {
-        ping->Release();
-        pong->Acquire();
-        ++turns;
-    }
-    other.join();
-    EXPECT_EQ(turns, 2 * Rounds);
-    EXPECT_EQ(Drain(ping) + Drain(pong), 0);
 }
