@@ -1,7 +1,9 @@
 #include "support/FutexCalls.h"
 
 #include <atomic>
+#include <cerrno>
 #include <sys/syscall.h>
+#include <utility>
 
 // The linker sends the library's calls of syscall() here, and ours under the second name to the real one.
 extern "C"
@@ -14,6 +16,7 @@ namespace
 {
 
 std::atomic<int> g_calls{0};
+std::function<void()> g_atTimeLimit;
 
 } // namespace
 
@@ -21,10 +24,21 @@ long __wrap_syscall(long number, long a, long b, long c, long d, long e, long f)
 {
     if (number == SYS_futex)
         ++g_calls;
-    return __real_syscall(number, a, b, c, d, e, f);
+    long const result = __real_syscall(number, a, b, c, d, e, f);
+    if (result == -1 && errno == ETIMEDOUT && g_atTimeLimit)
+    {
+        std::exchange(g_atTimeLimit, nullptr)();
+        errno = ETIMEDOUT;
+    }
+    return result;
 }
 
 FutexCalls::FutexCalls() : m_before(g_calls) {}
+
+void FutexCalls::AtNextTimeLimit(std::function<void()> function)
+{
+    g_atTimeLimit = std::move(function);
+}
 
 int FutexCalls::Count() const
 {

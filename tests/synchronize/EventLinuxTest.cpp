@@ -13,7 +13,7 @@
 
 #include <chrono>
 
-TEST(EventFutex, IsNotCalledWhileNobodyWaits)
+TEST(EventFutex, IsCalledOnlyToWakeAThread)
 {
     using namespace std::chrono_literals;
     TEvent manual;
@@ -38,19 +38,19 @@ TEST(EventFutex, IsNotCalledWhileNobodyWaits)
             WaitForAny({event}, 0ms);
         }
         EXPECT_EQ(calls.Count(), 0);
+        SleepingThread const thread([event] { event->Wait(); });
+        thread.WaitUntilAsleep();
+        FutexCalls const callsToWake;
+        event->Signal();
+        EXPECT_EQ(callsToWake.Count(), 1);
     }
 }
 
-TEST(EventFutex, IsCalledOnceToWake)
+// The thread is released when it has slept for long enough, but still is among those who wait.
+TEST(EventFutex, SignalAtTheTimeLimitIsNotLost)
 {
-    TEvent manual;
-    TAutoResetEvent automatic;
-    for (IEvent *event : {static_cast<IEvent *>(&manual), static_cast<IEvent *>(&automatic)})
-    {
-        SleepingThread const thread([event] { event->Wait(); });
-        thread.WaitUntilAsleep();
-        FutexCalls const calls;
-        event->Signal();
-        EXPECT_EQ(calls.Count(), 1);
-    }
+    TAutoResetEvent const event;
+    FutexCalls::AtNextTimeLimit([&event] { event.Signal(); });
+    EXPECT_TRUE(event.Wait(std::chrono::milliseconds(1)));
+    EXPECT_FALSE(event.IsSet());
 }

@@ -2,20 +2,22 @@
 #include "vansys/TCancelEvent.h"
 #include "vansys/TCountdownEvent.h"
 #include "vansys/TEvent.h"
-#include "vansys/VantrelException.h"
 
 #include "support/RecordedAssertions.h"
 #include "support/SleepingThread.h"
+#include "support/Stress.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -24,292 +26,241 @@ using namespace std::chrono_literals;
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
+using MakeEvent = std::unique_ptr<IEvent> (*)();
+
 /// What all classes share is tested on all of them, fresh and not set. One signal sets each.
-template <class Event>
-class IEventTest : public testing::Test
+class IEventTest : public testing::TestWithParam<MakeEvent>
 {
 protected:
-    Event m_event;
+    void Add(std::size_t i, std::function<void()> callback)
+    {
+        m_event.AddOnSignalCallback(&m_keys[i], callback);
+    }
+    void Remove(std::size_t i) { m_event.RemoveOnSignalCallback(&m_keys[i]); }
+
+    std::function<void()> Log(char letter)
+    {
+        return [this, letter] { m_log += letter; };
+    }
+
+    void SignalAgain()
+    {
+        m_event.Reset();
+        m_event.Signal();
+    }
+
+    std::unique_ptr<IEvent> const m_owner = GetParam()();
+    IEvent const &m_event = *m_owner;
+    bool const m_staysSet = !dynamic_cast<TAutoResetEvent const *>(&m_event);
+    std::array<char, 5> m_keys{}; // in ascending order of their addresses
+    std::string m_log;
 };
 
-/// So that it is made as the others are.
-class CountdownOfOne : public TCountdownEvent
-{
-public:
-    CountdownOfOne() : TCountdownEvent(1) {}
+MakeEvent const MakeEvents[] = {
+    []() -> std::unique_ptr<IEvent> { return std::make_unique<TEvent>(); },
+    []() -> std::unique_ptr<IEvent> { return std::make_unique<TAutoResetEvent>(); },
+    []() -> std::unique_ptr<IEvent> { return std::make_unique<TCountdownEvent>(1); },
+    []() -> std::unique_ptr<IEvent> { return std::make_unique<TCancelEvent>(); },
 };
-
-using Events = testing::Types<TEvent, TAutoResetEvent, CountdownOfOne, TCancelEvent>;
-TYPED_TEST_SUITE(IEventTest, Events);
-
-/// The addresses of its elements are keys, in ascending order.
-using Keys = std::array<char, 5>;
+INSTANTIATE_TEST_SUITE_P(Events, IEventTest, testing::ValuesIn(MakeEvents));
 
 } // namespace
 
-TYPED_TEST(IEventTest, SignalLookReset)
+TEST_P(IEventTest, SignalLookReset)
 {
-    IEvent const &event = this->m_event;
-    bool const staysSet = !std::is_same_v<TypeParam, TAutoResetEvent>;
-    for (int round = 0; round < 2; ++round)
+    std::function<bool()> const waits[] = {[&] { return m_event.IsSet(); }, [&] { return m_event.Wait(); },
+                                           [&] { return m_event.Wait(1h); },
+                                           [&] { return m_event.Wait(0ms); }};
+    for (auto const &wait : waits)
     {
-        EXPECT_FALSE(event.IsSet());
-        EXPECT_FALSE(event.Wait(0ms));
-        event.Signal();
-        EXPECT_TRUE(event.IsSet());
-        EXPECT_EQ(event.IsSet(), staysSet);
-        event.Reset();
-        event.Signal();
-        EXPECT_TRUE(event.Wait());
-        event.Reset();
-        event.Signal();
-        EXPECT_TRUE(event.Wait(1h));
-        EXPECT_EQ(event.Wait(0ms), staysSet);
-        event.Reset();
+        EXPECT_FALSE(m_event.IsSet());
+        m_event.Signal();
+        EXPECT_TRUE(wait());
+        EXPECT_EQ(m_event.IsSet(), m_staysSet);
+        m_event.Reset();
     }
 }
 
-TYPED_TEST(IEventTest, TimeLimits)
+TEST_P(IEventTest, TimeLimits)
 {
-    IEvent const &event = this->m_event;
-    auto const start = Clock::now();
-    EXPECT_FALSE(event.Wait(30ms));
-    EXPECT_GE(Clock::now() - start, 30ms);
-
-    for (milliseconds const limit : {4294967294ms, 4294967295ms, 4294967296ms, milliseconds::max()})
+    // And when they pass.
+    std::pair<milliseconds, std::optional<milliseconds>> const rows[] = {
+        {0ms, 0ms},         {20ms, 20ms},        {-4294967296ms, 0ms}, {-4294967266ms, 30ms},
+        {-1ms, {}},         {4294967294ms, {}},  {4294967295ms, {}},   {milliseconds::max(), {}},
+        {4294967296ms, {}}, {-4294967297ms, {}},
+    };
+    RecordedAssertions assertions;
+    for (auto const &[limit, time] : rows)
     {
         SCOPED_TRACE(limit.count());
         bool released = false;
-        SleepingThread thread([&] { released = event.Wait(limit); });
-        thread.WaitUntilAsleep();
-        event.Signal();
+        auto const start = Clock::now();
+        SleepingThread thread([&, limit = limit] { released = m_event.Wait(limit); });
+        if (!time)
+        {
+            thread.WaitUntilAsleep();
+            m_event.Signal();
+        }
         thread.Join();
-        EXPECT_TRUE(released);
-        event.Reset();
+        EXPECT_EQ(released, !time);
+        EXPECT_GE(Clock::now() - start, time.value_or(0ms));
+        m_event.Reset();
+        std::string const report = "vansys/main/synchronize/TEventBase_win:65: timeout.count() >= 0";
+        EXPECT_EQ(assertions.Take(), std::vector<std::string>(limit < 0ms ? 1 : 0, report));
     }
 }
 
-TYPED_TEST(IEventTest, NegativeTimeLimits)
+TEST_P(IEventTest, CallbacksRunInTheOrderOfTheirKeysAtEverySignal)
 {
-    IEvent const &event = this->m_event;
-    event.Signal();
-    try
-    {
-        event.Wait(-1ms);
-        ADD_FAILURE();
-    }
-    catch (VantrelException const &exception)
-    {
-        EXPECT_EQ(exception.GetMessagesFront(),
-                  u"LogicAssert failed (but no hook has been set) at "
-                  u"vansys/main/synchronize/TEventBase_win line 65: timeout.count() >= 0");
-    }
-    EXPECT_TRUE(event.IsSet());
-    event.Reset();
-
-    RecordedAssertions assertions;
-    std::vector<std::string> const report{"vansys/main/synchronize/TEventBase_win:65: timeout.count() >= 0"};
-    EXPECT_FALSE(event.Wait(-4294967296ms)) << "the low 32 bits are 0";
-    EXPECT_EQ(assertions.Take(), report);
-    auto const start = Clock::now();
-    EXPECT_FALSE(event.Wait(-4294967266ms)) << "the low 32 bits are 30";
-    EXPECT_GE(Clock::now() - start, 30ms);
-    for (milliseconds const limit : {-1ms, -4294967297ms})
-    {
-        bool released = false;
-        SleepingThread thread([&] { released = event.Wait(limit); });
-        thread.WaitUntilAsleep();
-        event.Signal();
-        thread.Join();
-        EXPECT_TRUE(released);
-        event.Reset();
-    }
-}
-
-TYPED_TEST(IEventTest, CallbacksRunInTheOrderOfTheirKeysAtEverySignal)
-{
-    IEvent const &event = this->m_event;
-    Keys keys{};
-    std::string log;
-    auto const append = [&log](char letter) { return [&log, letter] { log += letter; }; };
     for (std::size_t const i : {3u, 0u, 4u, 1u})
-        event.AddOnSignalCallback(&keys[i], append(static_cast<char>('0' + i)));
-    event.AddOnSignalCallback(&keys[1], append('x'));
-    event.AddOnSignalCallback(&keys[1], append('y'));
-    event.RemoveOnSignalCallback(&keys[4]);
-    event.RemoveOnSignalCallback(&keys[2]);
-    event.Reset();
-    EXPECT_EQ(log, "");
-    event.Signal();
-    EXPECT_EQ(log, "0y3");
-    event.AddOnSignalCallback(&keys[2], append('2'));
-    EXPECT_EQ(log, "0y3") << "an event that is set already is no signal";
-    event.Reset();
-    event.Signal();
-    EXPECT_EQ(log, "0y30y23");
-    for (char &key : keys)
-        event.RemoveOnSignalCallback(&key);
-    event.Reset();
-    event.Signal();
-    EXPECT_EQ(log, "0y30y23");
+        Add(i, Log(static_cast<char>('0' + i)));
+    Add(1, Log('x'));
+    Add(1, Log('y'));
+    Remove(4);
+    Remove(2);
+    m_event.Reset();
+    EXPECT_EQ(m_log, "");
+    m_event.Signal();
+    EXPECT_EQ(std::exchange(m_log, ""), "0y3");
+    Add(2, [this] { m_log += m_event.IsSet() ? "2" : "-"; });
+    EXPECT_EQ(m_log, "") << "an event that is set already is no signal";
+    SignalAgain();
+    EXPECT_EQ(m_log, "0y23") << "set before they run";
 }
 
-TYPED_TEST(IEventTest, CallbacksMayChangeTheCallbacks)
+TEST_P(IEventTest, CallbacksMayChangeTheCallbacksAndSignal)
 {
-    IEvent const &event = this->m_event;
-    Keys keys{};
-    std::string log;
-    struct Row
+    auto const removeAll = [&]
     {
-        char const *name;
-        std::function<void()> change; ///< what the second of the callbacks "1", "2" and "3" does
-        char const *log;              ///< of three signals
+        for (std::size_t i = 0; i < m_keys.size(); ++i)
+            Remove(i);
     };
-    auto const append = [&log](char letter) { return [&log, letter] { log += letter; }; };
-    Row const rows[] = {
-        {"remove itself", [&] { event.RemoveOnSignalCallback(&keys[2]); }, "123 13 13"},
-        {"remove the next", [&] { event.RemoveOnSignalCallback(&keys[3]); }, "12 12 12"},
-        {"remove the one before", [&] { event.RemoveOnSignalCallback(&keys[1]); }, "123 23 23"},
-        {"replace itself", [&] { event.AddOnSignalCallback(&keys[2], append('x')); }, "123 1x3 1x3"},
-        {"replace the next", [&] { event.AddOnSignalCallback(&keys[3], append('x')); }, "12x 12x 12x"},
-        {"add behind", [&] { event.AddOnSignalCallback(&keys[4], append('x')); }, "123x 123x 123x"},
-        {"add before", [&] { event.AddOnSignalCallback(&keys[0], append('x')); }, "123 x123 x123"},
-        {"remove all",
-         [&]
-         {
-             for (char &key : keys)
-                 event.RemoveOnSignalCallback(&key);
-         },
-         "12  "},
-        {"reset", [&] { event.Reset(); }, "123 123 123"},
-    };
-    for (Row const &row : rows)
+    int runs = 0;
+    auto const signalOnce = [&]
     {
-        SCOPED_TRACE(row.name);
-        log.clear();
-        event.AddOnSignalCallback(&keys[1], append('1'));
-        event.AddOnSignalCallback(&keys[2],
-                                  [&row, &log, own = std::make_shared<char>('2')]
-                                  {
-                                      row.change();
-                                      log += *own; // alive, though it may be out of the table
-                                  });
-        event.AddOnSignalCallback(&keys[3], append('3'));
+        if (++runs % 2 == 1)
+            SignalAgain();
+    };
+    // What the second of the callbacks "1", "2" and "3" does, and what three signals log.
+    std::pair<std::function<void()>, char const *> const rows[] = {
+        {[&] { Remove(2); }, "123 13 13 "},
+        {[&] { Remove(3); }, "12 12 12 "},
+        {[&] { Remove(1); }, "123 23 23 "},
+        {[&] { Add(2, Log('x')); }, "123 1x3 1x3 "},
+        {[&] { Add(4, Log('x')); }, "123x 123x 123x "},
+        {[&] { Add(0, Log('x')); }, "123 x123 x123 "},
+        {removeAll, "12   "},
+        {signalOnce, "112323 112323 112323 "},
+        {[&] { signalOnce(), Remove(2); }, "112323 13 13 "},
+    };
+    for (auto const &[change, log] : rows)
+    {
+        m_log.clear();
+        char letter = '2'; // until the callback is destroyed
+        std::shared_ptr<char> own(&letter, [](char *dead) { *dead = '!'; });
+        Add(1, Log('1'));
+        Add(2, [this, &change = change, own = std::move(own)] { change(), m_log += *own; });
+        Add(3, Log('3'));
         for (int signal = 0; signal < 3; ++signal)
         {
-            event.Reset();
-            event.Signal();
-            log += ' ';
+            SignalAgain();
+            m_log += ' ';
         }
-        EXPECT_EQ(log, std::string(row.log) + ' ');
-        for (char &key : keys)
-            event.RemoveOnSignalCallback(&key);
+        EXPECT_EQ(m_log, log);
+        removeAll();
     }
 }
 
-TYPED_TEST(IEventTest, CallbacksMaySignalAndKeepTheirState)
+// What a callback owns may need a lock, or the event, as it is destroyed. Here, another thread needs the
+// event.
+TEST_P(IEventTest, CallbacksAreDestroyedWithoutTheLock)
 {
-    IEvent const &event = this->m_event;
-    Keys keys{};
-    std::string log;
-    event.AddOnSignalCallback(&keys[0],
-                              [&event, &log, depth = '0']() mutable
-                              {
-                                  log += ++depth;
-                                  if (depth % 3 == 0)
-                                      return;
-                                  event.Reset();
-                                  event.Signal();
-                              });
-    event.AddOnSignalCallback(&keys[1], [&log] { log += 'x'; });
-    event.Signal();
-    EXPECT_EQ(log, "123xxx");
-    event.Reset();
-    event.Signal();
-    EXPECT_EQ(log, "123xxx456xxx");
+    int destroyed = 0;
+    auto const useEvent = [&](void *)
+    {
+        std::thread([&] { Remove(0); }).join();
+        ++destroyed;
+    };
+    std::function<void()> const changes[] = {[&] { Remove(1); }, [&] { Add(1, [] {}); }};
+    for (auto const &change : changes)
+    {
+        Add(1, [&change, own = std::shared_ptr<void>(this, useEvent)] { change(); });
+        SignalAgain();
+        EXPECT_EQ(std::exchange(destroyed, 0), 1);
+        Add(1, [own = std::shared_ptr<void>(this, useEvent)] {});
+        change();
+        EXPECT_EQ(std::exchange(destroyed, 0), 1);
+    }
 }
 
-TYPED_TEST(IEventTest, ExceptionsOfCallbacksEndTheWalk)
+TEST_P(IEventTest, ExceptionsOfCallbacksEndTheWalk)
 {
-    IEvent const &event = this->m_event;
-    Keys keys{};
-    std::string log;
-    event.AddOnSignalCallback(&keys[0], [&log] { log += '0'; });
-    event.AddOnSignalCallback(&keys[1], [] { throw 1; });
-    event.AddOnSignalCallback(&keys[2], [&log] { log += '2'; });
-    EXPECT_THROW(event.Signal(), int);
-    EXPECT_EQ(log, "0");
-    EXPECT_TRUE(event.IsSet());
-
+    Add(0, Log('0'));
+    Add(1, [] { throw 1; });
+    Add(2, Log('2'));
+    EXPECT_THROW(m_event.Signal(), int);
+    EXPECT_TRUE(m_event.IsSet());
     // On another thread, as this one would get into a lock that it had kept.
-    std::thread([&] { event.AddOnSignalCallback(&keys[1], nullptr); }).join();
-    event.Reset();
-    EXPECT_THROW(event.Signal(), std::bad_function_call);
-    EXPECT_EQ(log, "00");
-    std::thread([&] { event.RemoveOnSignalCallback(&keys[1]); }).join();
-    event.Reset();
-    event.Signal();
-    EXPECT_EQ(log, "0002");
+    std::thread([&] { Add(1, nullptr); }).join();
+    EXPECT_THROW(SignalAgain(), std::bad_function_call);
+    EXPECT_EQ(m_log, "00");
 }
 
-TYPED_TEST(IEventTest, RemovingWaitsForTheCallbackThatRuns)
+// A callback that has been removed is neither running nor will it run: what it used is gone with the round.
+TEST(TEvent, CallbacksComeAndGoDuringSignals)
 {
-    IEvent const &event = this->m_event;
-    int key = 0;
-    TEvent isRunning;
-    TEvent mayEnd;
-    std::atomic<bool> hasEnded{false};
-    event.AddOnSignalCallback(&key,
-                              [&]
-                              {
-                                  isRunning.Signal();
-                                  mayEnd.Wait();
-                                  hasEnded = true;
-                              });
-    std::thread signalling([&] { event.Signal(); });
-    isRunning.Wait();
-    SleepingThread removing(
-        [&]
-        {
-            event.RemoveOnSignalCallback(&key);
-            EXPECT_TRUE(hasEnded);
-        });
-    removing.WaitUntilAsleep();
-    mayEnd.Signal();
-    signalling.join();
-}
-
-TEST(TEvent, MayBeSetFromTheStart)
-{
-    EXPECT_TRUE(TEvent(true).IsSet());
-    EXPECT_FALSE(TEvent(false).IsSet());
+    TEvent const event;
+    RunStress(3,
+              [&](StressRandom &random)
+              {
+                  int runs = 0; // changed under the callback lock only
+                  event.AddOnSignalCallback(&runs, [&runs] { ++runs; });
+                  if (random() % 2 == 0)
+                      event.Signal();
+                  event.RemoveOnSignalCallback(&runs);
+                  int const before = runs;
+                  event.Signal();
+                  EXPECT_EQ(runs, before);
+              });
 }
 
 TEST(TCountdownEvent, IsSetAtZeroAndUsableAgainAfterReset)
 {
-    TCountdownEvent const event(2);
-    int runs = 0;
-    event.AddOnSignalCallback(&runs, [&runs] { ++runs; });
-    for (int round = 1; round <= 2; ++round)
+    struct Row
     {
-        event.Signal();
-        EXPECT_FALSE(event.IsSet());
-        event.Signal();
-        EXPECT_TRUE(event.IsSet());
-        event.Signal(); // past 0
-        event.Signal();
-        EXPECT_TRUE(event.IsSet());
-        EXPECT_EQ(runs, round);
-        event.Reset();
-        EXPECT_FALSE(event.IsSet());
+        unsigned int count;
+        char const *signals; ///< 'r' is a reset
+        char const *states;  ///< of the event, after each
+        int runs;
+    };
+    constexpr Row Rows[] = {{2, "ssssrsrsssr", "-111----11-", 2}, {0, "ssrs", "----", 0}};
+    for (Row const &row : Rows)
+    {
+        TCountdownEvent const event(row.count);
+        std::string states;
+        int runs = 0;
+        event.AddOnSignalCallback(&runs, [&runs] { ++runs; });
+        for (char const *signal = row.signals; *signal; ++signal)
+        {
+            *signal == 's' ? event.Signal() : event.Reset();
+            states += event.IsSet() ? '1' : '-';
+        }
+        EXPECT_EQ(states, row.states);
+        EXPECT_EQ(runs, row.runs);
     }
-    event.Signal();
-    event.Reset();
-    event.Signal();
-    EXPECT_FALSE(event.IsSet()) << "the count starts over, set or not";
+}
 
-    TCountdownEvent const zero(0);
-    zero.Signal();
-    zero.Signal();
-    EXPECT_FALSE(zero.IsSet());
+TEST(TCountdownEvent, CountsTheSignalsOfSeveralThreads)
+{
+    constexpr unsigned int Half = 20000;
+    TCountdownEvent const event(2 * Half);
+    auto const signal = [&event]
+    {
+        for (unsigned int i = 0; i < Half; ++i)
+            event.Signal();
+    };
+    std::thread other(signal);
+    signal();
+    other.join();
+    EXPECT_TRUE(event.IsSet());
 }

@@ -10,9 +10,11 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <functional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -21,50 +23,40 @@ namespace
 
 using namespace std::chrono_literals;
 using std::chrono::milliseconds;
+using Reports = std::vector<std::string>;
 
 /// No position; `WaitForAny` leaves it alone when it fails.
 constexpr unsigned int None = 99;
 
-/// An event of a host's own, never set. It notes what is asked of it, and lets a test act in the middle of a
-/// call: when the events before it in the vector have their callbacks.
-class ProbeEvent : public IEvent
+/// An event of a host's own. It lets a test act in the middle of a call: when the events before it in the
+/// vector have their callbacks.
+class ProbeEvent : public TEvent
 {
 public:
-    void Signal() const override {}
-    bool Wait(milliseconds) const override { return false; }
-    bool Wait() const override { return false; }
-    void Reset() const override {}
-
     bool IsSet() const override
     {
-        m_log += "look ";
-        if (m_onLook)
-            m_onLook();
-        return m_isSet;
+        m_onLook();
+        return TEvent::IsSet();
     }
 
     void AddOnSignalCallback(void *key, std::function<void()> callback) const override
     {
-        m_log += "add ";
-        m_key = key;
-        m_callback = std::move(callback);
+        ++m_callbacks;
+        m_callback = callback;
+        TEvent::AddOnSignalCallback(key, std::move(callback));
     }
 
     void RemoveOnSignalCallback(void *key) const override
     {
-        EXPECT_EQ(key, m_key);
-        m_log += "remove ";
-        m_callback = nullptr;
-        if (m_onRemove)
-            m_onRemove();
+        --m_callbacks;
+        TEvent::RemoveOnSignalCallback(key);
+        m_onRemove();
     }
 
-    std::function<void()> m_onLook;
-    std::function<void()> m_onRemove;
-    bool m_isSet = false;
-    mutable std::string m_log;
-    mutable void *m_key = nullptr;
-    mutable std::function<void()> m_callback;
+    std::function<void()> m_onLook = [] {};
+    std::function<void()> m_onRemove = [] {};
+    int mutable m_callbacks = 0;
+    std::function<void()> mutable m_callback;
 };
 
 unsigned int IndexOfAny(std::vector<IEvent *> const &events, milliseconds timeout = 0ms)
@@ -84,34 +76,27 @@ TEST(WaitForEvents, EventsThatAreSetAlready)
     TCancelEvent cancel;
     TEvent event(true);
     EXPECT_EQ(IndexOfAny({&unset, &event, &cancel}), 1u);
-    EXPECT_EQ(IndexOfAny({&countdown, &unset, &cancel}), None);
-    EXPECT_FALSE(WaitForAll({&event, &unset}, 0ms));
     countdown.Signal();
     cancel.Signal();
     EXPECT_EQ(IndexOfAny({&countdown, &cancel, &event}), 0u);
-    EXPECT_TRUE(WaitForAll({&event, &countdown, &cancel}, 0ms));
-    EXPECT_TRUE(WaitForAll({&event, &event}, 0ms)) << "at two positions";
+    EXPECT_TRUE(WaitForAll({&event, &countdown, &cancel, &event}, 0ms));
     EXPECT_TRUE(event.IsSet());
 
     ProbeEvent probe; // no short cut in sight
     EXPECT_EQ(IndexOfAny({&probe, &unset, &event, &cancel}), 2u);
     EXPECT_FALSE(WaitForAll({&event, &probe}, 0ms));
-    probe.m_isSet = true;
+    probe.Signal();
     EXPECT_TRUE(WaitForAll({&event, &countdown, &probe}, 0ms));
     EXPECT_EQ(IndexOfAny({&probe, &event}), 0u);
-}
 
-// Callers rely on it: the look at a set auto-reset event takes its signal, and then there is none to count.
-TEST(WaitForEvents, AutoResetEventsThatAreSetAlreadyDoNotCount)
-{
+    // Callers rely on it: the look at a set auto-reset event takes its signal, and then there is none to
+    // count.
     TAutoResetEvent automatic;
-    TEvent event(true);
     automatic.Signal();
     EXPECT_EQ(IndexOfAny({&automatic}), None);
     EXPECT_FALSE(automatic.IsSet());
     automatic.Signal();
     EXPECT_FALSE(WaitForAll({&automatic, &event}, 0ms));
-    EXPECT_FALSE(automatic.IsSet());
     automatic.Signal();
     EXPECT_EQ(IndexOfAny({&event, &automatic}), 0u);
     EXPECT_FALSE(automatic.IsSet());
@@ -123,7 +108,7 @@ TEST(WaitForEvents, EventsThatAreSignalledMeanwhile)
     TEvent second;
     TCancelEvent third;
     ProbeEvent probe;
-    probe.m_isSet = true;
+    probe.Signal();
     std::vector<IEvent *> const all{&first, &second, &third, &probe};
     probe.m_onLook = [&]
     {
@@ -141,7 +126,7 @@ TEST(WaitForEvents, EventsThatAreSignalledMeanwhile)
     EXPECT_FALSE(WaitForAll({&first, &first, &probe}, 0ms)) << "a signal is for one position";
 
     // Somebody takes the signal first: the event counts no more in that call.
-    probe.m_isSet = false;
+    probe.Reset();
     first.AddOnSignalCallback(nullptr, [&] { first.Reset(); });
     probe.m_onLook = [&]
     {
@@ -151,41 +136,27 @@ TEST(WaitForEvents, EventsThatAreSignalledMeanwhile)
     };
     EXPECT_EQ(IndexOfAny({&first, &probe}), None);
     EXPECT_TRUE(first.IsSet());
-}
 
-// A signal that was taken when the time had run out, but the callbacks were still there.
-TEST(WaitForEvents, SignalAtTheLastMomentIsNotLost)
-{
-    ProbeEvent probe;
-    TAutoResetEvent event;
-    probe.m_onRemove = [&] { event.Signal(); };
-    EXPECT_EQ(IndexOfAny({&probe, &event}), 1u);
-    EXPECT_FALSE(event.IsSet());
-    EXPECT_EQ(IndexOfAny({&event, &probe}), None);
-    EXPECT_TRUE(event.IsSet());
+    // A signal when the time has run out, but the callbacks are still there, is taken and counts.
+    probe.m_onLook = [] {};
+    probe.m_onRemove = [&] { first.Signal(); };
+    EXPECT_EQ(IndexOfAny({&probe, &first}), 1u);
+    EXPECT_FALSE(first.IsSet());
+    EXPECT_EQ(IndexOfAny({&first, &probe}), None);
+    EXPECT_TRUE(first.IsSet());
 }
 
 TEST(WaitForEvents, TimeLimits)
 {
     TEvent unset;
-    ProbeEvent probe;
-    for (std::vector<IEvent *> const &events : {std::vector<IEvent *>{}, {&unset}, {&unset, &probe}})
-    {
-        auto const start = std::chrono::steady_clock::now();
-        EXPECT_FALSE(WaitForAll(events, 20ms));
-        EXPECT_FALSE(WaitForAny(events, 20ms));
-        EXPECT_EQ(IndexOfAny(events, 20ms), None);
-        EXPECT_GE(std::chrono::steady_clock::now() - start, 60ms);
-    }
-    unsigned int index = None;
-    SleepingThread thread([&] { EXPECT_TRUE(WaitForAny({&probe, &unset}, milliseconds::max(), index)); });
-    thread.WaitUntilAsleep();
-    unset.Signal();
-    thread.Join();
-    EXPECT_EQ(index, 1u);
+    auto const start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(WaitForAll({}, 20ms));
+    EXPECT_EQ(IndexOfAny({&unset}, 20ms), None);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, 40ms);
+    EXPECT_THROW(WaitForAll({&unset}, -1ms), VantrelException);
 }
 
-// A callback of another event may wait for the call to return.
+// Another event's callback calls on the host's event and then waits for the call to return.
 TEST(WaitForEvents, SignalOfAHostsEventWakesAtOnce)
 {
     TEvent const event;
@@ -193,18 +164,30 @@ TEST(WaitForEvents, SignalOfAHostsEventWakesAtOnce)
     TEvent const isAdded;
     ProbeEvent probe;
     probe.m_onLook = [&] { isAdded.Signal(); };
-    SleepingThread waiting(
-        [&]
-        {
-            EXPECT_TRUE(WaitForAny({&probe}, milliseconds::max()));
-            hasReturned.Signal();
-        });
+    SleepingThread waiting([&] { WaitForAny({&probe}, milliseconds::max()), hasReturned.Signal(); });
     isAdded.Wait();
     waiting.WaitUntilAsleep();
-    char keys[2] = {};
-    event.AddOnSignalCallback(&keys[0], probe.m_callback);
-    event.AddOnSignalCallback(&keys[1], [&] { hasReturned.Wait(); });
+    event.AddOnSignalCallback(nullptr, [&] { probe.m_callback(), hasReturned.Wait(); });
     event.Signal();
+}
+
+// A callback waits for its own event, and the event is signalled on the same thread meanwhile.
+TEST(WaitForEvents, MayBeCalledByACallbackOfTheEvent)
+{
+    TEvent event;
+    ProbeEvent probe;
+    probe.m_onLook = [&] { event.Signal(); };
+    int depth = 0;
+    event.AddOnSignalCallback(nullptr,
+                              [&]
+                              {
+                                  if (depth++ > 0)
+                                      return;
+                                  event.Reset();
+                                  EXPECT_EQ(IndexOfAny({&event, &probe}, milliseconds::max()), 0u);
+                              });
+    event.Signal();
+    EXPECT_EQ(depth, 2);
 }
 
 TEST(WaitForEvents, CallbacksAreRemovedWhateverHappens)
@@ -212,33 +195,57 @@ TEST(WaitForEvents, CallbacksAreRemovedWhateverHappens)
     ProbeEvent probe;
     ProbeEvent other;
     TEvent event;
-    EXPECT_FALSE(WaitForAll({&probe, &event}, 0ms));
-    EXPECT_EQ(std::exchange(probe.m_log, ""), "add look remove ");
-    probe.m_isSet = true;
-    EXPECT_EQ(IndexOfAny({&probe, &event}), 0u);
-    EXPECT_EQ(std::exchange(probe.m_log, ""), "add look remove ");
-    EXPECT_THROW(IndexOfAny({&probe, &event}, -1ms), VantrelException) << "though it is set";
-    EXPECT_EQ(std::exchange(probe.m_log, ""), "add look remove ");
-    event.Signal();
-    EXPECT_THROW(WaitForAll({&event}, -1ms), VantrelException);
+    std::pair<char const *, std::function<void()>> const rows[] = {
+        {"in vain",
+         [&] {
+             EXPECT_FALSE(WaitForAll({&probe, &event}, 0ms));
+         }},
+        {"negative",
+         [&] {
+             EXPECT_THROW(IndexOfAny({&probe, &event}, -1ms), VantrelException);
+         }},
+        {"throwing look",
+         [&] {
+             EXPECT_THROW(WaitForAll({&probe, &other, &event}, 0ms), int);
+         }},
+        {"null",
+         [&] {
+             EXPECT_THROW(WaitForAny({&event, nullptr}, 0ms), VantrelException);
+         }},
+    };
     other.m_onLook = [] { throw 1; };
-    EXPECT_THROW(WaitForAll({&probe, &other, &event}, 0ms), int);
-    EXPECT_EQ(std::exchange(probe.m_log, ""), "add look remove ");
-    EXPECT_EQ(std::exchange(other.m_log, ""), "add look remove ");
+    for (auto const &[name, call] : rows)
+    {
+        call();
+        EXPECT_EQ(probe.m_callbacks + other.m_callbacks, 0) << name;
+    }
 
     RecordedAssertions const assertions;
-    EXPECT_EQ(IndexOfAny({&probe}, -4294967296ms), 0u);
-    EXPECT_EQ(assertions.Take(),
-              std::vector<std::string>{"vansys/main/synchronize/TEventBase_win:65: timeout.count() >= 0"});
+    event.Signal();
+    EXPECT_EQ(IndexOfAny({nullptr, &event, nullptr}), 1u);
+    EXPECT_EQ(assertions.Take(), Reports(2, "vansys/main/synchronize/WaitForEvents:143: event != nullptr"));
+    EXPECT_FALSE(WaitForAll({nullptr, &event}, 0ms));
 }
 
-TEST(WaitForEvents, NullPointers)
+// Signals come before the call, while it adds its callbacks and looks, and as it waits.
+TEST(WaitForEvents, MissesNoSignal)
 {
-    TEvent event(true);
-    EXPECT_THROW(WaitForAny({&event, nullptr}, 0ms), VantrelException);
-    RecordedAssertions const assertions;
-    EXPECT_EQ(IndexOfAny({nullptr, &event, nullptr}), 1u);
-    EXPECT_EQ(assertions.Take(),
-              std::vector<std::string>(2, "vansys/main/synchronize/WaitForEvents:143: event != nullptr"));
-    EXPECT_FALSE(WaitForAll({nullptr, &event}, 0ms));
+    std::array<TCancelEvent, 2> events;
+    TAutoResetEvent never;
+    int number = 0; // guarded by the turn
+    auto const play = [&](std::size_t self)
+    {
+        for (int i = 0; i < 5000; ++i)
+        {
+            EXPECT_EQ(IndexOfAny({&never, &events[self]}, milliseconds::max()), 1u);
+            events[self].Reset();
+            ++number;
+            events[1 - self].Signal();
+        }
+    };
+    std::thread other(play, 1);
+    events[0].Signal();
+    play(0);
+    other.join();
+    EXPECT_EQ(number, 10000);
 }
