@@ -136,6 +136,24 @@ TEST(RefCntPtr, AssignmentFromAPartOfTheOldObject)
     EXPECT_EQ(Node::s_alive, 0);
 }
 
+TEST(RefCntPtr, DestructorFindsThePointerChangedAlready)
+{
+    class Held : public RefCntObject
+    {
+    public:
+        explicit Held(RefCntPtr<Held, RefCntObject> const &holder) : m_holder(holder) {}
+
+    private:
+        ~Held() override { EXPECT_NE(m_holder.get(), this); }
+
+        RefCntPtr<Held, RefCntObject> const &m_holder;
+    };
+    RefCntPtr<Held, RefCntObject> holder;
+    holder = new Held(holder);
+    holder = new Held(holder);
+    holder.reset();
+}
+
 TEST(RefCntPtr, ComparesAndHashesByAddress)
 {
     NodePtr const one = new Node;
