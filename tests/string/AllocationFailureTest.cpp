@@ -127,6 +127,24 @@ TEST(AllocationFailure, MutatorsLeaveTheTextAsItWas)
     EXPECT_GE(failures, 120) << "the failures must reach the library";
 }
 
+TEST(AllocationFailure, CuttingNothingOffTakesNoMemory)
+{
+    TStringCore text(OnHeap);
+    text.clear();
+    TStringCore const copy(text); // shares the block
+    ASSERT_GT(text.capacity(), 15);
+    auto const cut = [&]
+    {
+        for (int const count : {-1, 0, 1})
+        {
+            text.truncate(count);
+            text.chop(count);
+        }
+    };
+    EXPECT_EQ(failEachAllocation([] {}, cut, [] {}), 0);
+    EXPECT_EQ(text.constData(), copy.constData());
+}
+
 TEST(AllocationFailure, ConstructorsAndConversionsReleaseWhatTheyBuilt)
 {
     std::vector<unsigned int> const codePoints(40, 0x1F600);

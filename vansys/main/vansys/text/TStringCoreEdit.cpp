@@ -212,8 +212,10 @@ TStringCore &TStringCore::replaceMembers(Text const &set, TCodeUnit const *repla
 
 void TStringCore::truncate(int length)
 {
-    if (length < this->length())
-        m_storage.setLength(length);
+    // Only where something goes: a shared text would be detached.
+    int const kept = std::max(length, 0);
+    if (kept < this->length())
+        m_storage.setLength(kept);
 }
 
 void TStringCore::truncateAtFirstNull()
