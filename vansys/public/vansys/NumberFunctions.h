@@ -65,11 +65,7 @@ public:
     /// base, and for base 0 with a text of one unit. A text that is null, or empty, or begins with a zero
     /// unit gives 0.
     static int leftIntegerLength(TCodeUnit const *text, int length, int base = 10);
-    static int leftIntegerLength(TWideTwin const *text, int length, int base = 10)
-    {
-        detail::TwinText const twin(text, length);
-        return twin.position(leftIntegerLength(twin.units(), twin.length(), base));
-    }
+    static int leftIntegerLength(TWideTwin const *text, int length, int base = 10);
 
     /// How many leading units form a floating-point number: an optional sign; then "inf", "infinity" or "nan"
     /// in any case, or digits with an optional fraction, or a fraction alone, and an exponent, which counts

@@ -96,12 +96,7 @@ public:
     static int findStr(TCodeUnit const *text, int length, TCodeUnit const *needle, int needleLength,
                        int start = 0, CaseSensitivity sensitivity = CaseSensitive);
     static int findStr(TWideTwin const *text, int length, TWideTwin const *needle, int needleLength,
-                       int start = 0, CaseSensitivity sensitivity = CaseSensitive)
-    {
-        detail::TwinText const twin(text, length), sought(needle, needleLength);
-        return twin.position(findStr(twin.units(), twin.length(), sought.units(), sought.length(),
-                                     twin.unitPosition(start), sensitivity));
-    }
+                       int start = 0, CaseSensitivity sensitivity = CaseSensitive);
 
     static int findChar(TCodeUnit const *text, int length, TCodeUnit unit, int start = 0,
                         CaseSensitivity sensitivity = CaseSensitive);

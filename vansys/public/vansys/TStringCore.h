@@ -56,10 +56,13 @@ class StringAccess;
 /// **Memory.** A string that has moved to the heap stays there when it gets shorter. It becomes inline again
 /// when an inline string is assigned to it while its block is shared, when it is moved from, and when it is
 /// assigned to by move from an inline string. Growth doubles the capacity; see `EnableConservativeString`.
+/// What writes into a copy whose block is shared gets a block of the same capacity, however short the new
+/// text is: before raw text is assigned to a copy of a very long string, `clear()` lets go of the block.
 ///
 /// **Failures** are `TStringCore::Exception`, and leave the string as it was:
 /// "Out of memory" when the heap gives nothing; "Allocation size less than zero; probable overflow" when the
-/// text would pass the largest capacity that an `int` can hold.
+/// text would pass the largest capacity that an `int` can hold; "Appended string is too long" when
+/// zero-terminated narrow text is longer than any `int`, to whichever operation it is given.
 ///
 /// **Threads.** One object belongs to one thread at a time. Strings that share a block are independent
 /// objects in this regard: they may be read, written, copied and destroyed by different threads at the same
@@ -379,7 +382,6 @@ public:
     TStringCore &append(TWideTwin const *text, int count = -1);
 
     /// Decodes as `fromUtf8` does. The string grows to hold `count` more units before it is decoded.
-    /// Throws `Exception` "Appended string is too long" when zero-terminated text is longer than any `int`.
     TStringCore &append(char const *utf8, int count = -1);
 
     TStringCore &append(TCodeUnit unit)

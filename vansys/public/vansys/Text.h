@@ -20,8 +20,10 @@ namespace vansys
 /// - zero-terminated UTF-8;
 /// - one unit: a `TCodeUnit`, a code point in a `TWideTwin`, or a `char`, which is widened and not decoded.
 ///
-/// It lives as long as the call. Strings and `TCodeUnit` text are looked at where they are; what has to be
-/// transcoded may throw `TStringCore::Exception` "Out of memory".
+/// It lives as long as the call. Strings and `TCodeUnit` text are looked at where they are. Making it of the
+/// rest may throw `TStringCore::Exception`: "Out of memory" where text is transcoded; of text that is longer
+/// than any `int`, "Appended string is too long" when it is UTF-8 and "Allocation size less than zero;
+/// probable overflow" when it is wide.
 class VANSYS_API Text
 {
 public:

@@ -1,5 +1,6 @@
 #include "vansys/detail/StringStorage.h"
 
+#include "main/vansys/string/RawText.h"
 #include "vansys/TStringCore.h"
 
 #include <algorithm>
@@ -20,13 +21,13 @@ constexpr int MaxInt = std::numeric_limits<int>::max();
 std::atomic<bool> g_conservativeGrowth{false};
 
 /// The smallest power of two that is greater than `value`, which is not negative.
-std::int64_t powerOfTwoAbove(std::int64_t value)
+std::int64_t PowerOfTwoAbove(std::int64_t value)
 {
     return static_cast<std::int64_t>(std::bit_ceil(static_cast<std::uint64_t>(value) + 1));
 }
 
 /// Byte size of a block; throws for sizes that no allocation could have.
-std::size_t blockSize(int capacity)
+std::size_t BlockSize(int capacity)
 {
     if (capacity < 0)
         throw TStringCore::Exception("Allocation size less than zero; probable overflow");
@@ -37,9 +38,9 @@ std::size_t blockSize(int capacity)
     return static_cast<std::size_t>(bytes);
 }
 
-StringBlock *reallocateBlock(StringBlock *block, int capacity)
+StringBlock *ReallocateBlock(StringBlock *block, int capacity)
 {
-    auto *const result = static_cast<StringBlock *>(std::realloc(block, blockSize(capacity)));
+    auto *const result = static_cast<StringBlock *>(std::realloc(block, BlockSize(capacity)));
     if (!result)
         throw TStringCore::Exception("Out of memory"); // short enough to need no block itself
     result->capacity = capacity;
@@ -59,7 +60,7 @@ bool StringStorage::isConservativeGrowth() noexcept
 }
 
 /// The capacity for a text of `request` units in a string that has room for `capacity` now. In 64 bits, so
-/// that nothing wraps: a result that `int` cannot hold is turned into one that `blockSize` refuses.
+/// that nothing wraps: a result that `int` cannot hold is turned into one that `BlockSize` refuses.
 int StringStorage::grownCapacity(int request, int capacity)
 {
     if (request < capacity)
@@ -70,13 +71,13 @@ int StringStorage::grownCapacity(int request, int capacity)
         // Seven units are the head of the block and the usual overhead of an allocator: with them, a block
         // takes up a full or a three-quarter power of two.
         std::int64_t const needed = std::int64_t{request} + 7;
-        std::int64_t const power = powerOfTwoAbove(needed);
+        std::int64_t const power = PowerOfTwoAbove(needed);
         std::int64_t const threeQuarters = power / 4 * 3;
         std::int64_t const step = needed < threeQuarters ? threeQuarters : power;
         grown = step > MaxInt ? step : step - 7;
     }
     else
-        grown = request < 32 ? 32 : powerOfTwoAbove(request);
+        grown = request < 32 ? 32 : PowerOfTwoAbove(request);
     return grown > MaxInt ? -1 : static_cast<int>(grown);
 }
 
@@ -89,7 +90,7 @@ int StringStorage::checkedLength(std::int64_t length)
 
 StringBlock *StringStorage::allocate(int capacity)
 {
-    StringBlock *const result = reallocateBlock(nullptr, capacity);
+    StringBlock *const result = ReallocateBlock(nullptr, capacity);
     result->count = 1;
     result->length = 0;
     result->units()[0] = 0;
@@ -107,12 +108,11 @@ void StringStorage::relocate(int capacity, int kept)
 {
     StringBlock *target = nullptr;
     if (isHeap() && !isShared() && kept > 0)
-        target = reallocateBlock(block(), capacity);
+        target = ReallocateBlock(block(), capacity);
     else
     {
         target = allocate(capacity);
-        if (kept > 0)
-            std::memcpy(target->units(), units(), static_cast<std::size_t>(kept) * sizeof(TCodeUnit));
+        CopyUnits(target->units(), units(), kept);
         if (isHeap())
             release(block());
     }
@@ -192,7 +192,7 @@ void StringStorage::copyInlineIntoBlock(StringStorage const &other) noexcept
     }
     StringBlock *const own = block();
     own->length = other.m_words.lengthWord;
-    std::memcpy(own->units(), other.m_words.units, sizeof other.m_words.units);
+    CopyUnits(own->units(), other.m_words.units, InlineCapacity);
 }
 
 } // namespace vansys::detail

@@ -1,27 +1,19 @@
 #include "vansys/TStringCore.h"
 
+#include "main/vansys/string/RawText.h"
 #include "vansys/THash.h"
 
 #include <algorithm>
-#include <cstring>
 #include <functional>
 
 using vansys::StringFunctions;
+using vansys::detail::CopyUnits;
+using vansys::detail::MoveUnits;
 
 namespace
 {
 
-void copyUnits(TCodeUnit *to, TCodeUnit const *from, int count)
-{
-    std::memcpy(to, from, static_cast<std::size_t>(count) * sizeof(TCodeUnit));
-}
-
-void moveUnits(TCodeUnit *to, TCodeUnit const *from, int count)
-{
-    std::memmove(to, from, static_cast<std::size_t>(count) * sizeof(TCodeUnit));
-}
-
-[[noreturn]] void throwOutOfRange(char const *message)
+[[noreturn]] void ThrowOutOfRange(char const *message)
 {
     throw TStringCore::Exception(message);
 }
@@ -41,7 +33,7 @@ void TStringCore::construct(TCodeUnit const *text, int count)
 {
     int const length = count < 0 ? TStringCore::length(text) : count;
     if (text)
-        copyUnits(m_storage.setLengthForOverwrite(length), text, length);
+        CopyUnits(m_storage.setLengthForOverwrite(length), text, length);
     else
         clear();
 }
@@ -60,7 +52,7 @@ TStringCore &TStringCore::assignFromSelf(int position, int count)
     TCodeUnit *const units = data();
     int const rest = length() - position;
     int const kept = count < 0 ? TStringCore::length(units + position) : std::min(count, rest);
-    moveUnits(units, units + position, kept);
+    MoveUnits(units, units + position, kept);
     m_storage.setLength(kept);
     return *this;
 }
@@ -71,7 +63,7 @@ TStringCore &TStringCore::assignRepeated(TCodeUnit const *units, int count, int 
     int const length = StringStorage::checkedLength(std::int64_t{count} * std::max(times, 0));
     TCodeUnit *const out = m_storage.setLengthForOverwrite(length);
     for (int i = 0; i < length; i += count)
-        copyUnits(out + i, units, count);
+        CopyUnits(out + i, units, count);
     return *this;
 }
 
@@ -80,35 +72,35 @@ TStringCore &TStringCore::assignRepeated(TCodeUnit const *units, int count, int 
 TCodeUnit TStringCore::at(int index) const
 {
     if (index < 0 || index > length())
-        throwOutOfRange("TStringCore::at(int): argument out of range.");
+        ThrowOutOfRange("TStringCore::at(int): argument out of range.");
     return constData()[index];
 }
 
 TCodeUnit const &TStringCore::operator[](int index) const
 {
     if (index < 0 || index > length())
-        throwOutOfRange("TStringCore::operator[int] const argument out of range.");
+        ThrowOutOfRange("TStringCore::operator[int] const argument out of range.");
     return constData()[index];
 }
 
 TCodeUnit const &TStringCore::operator[](unsigned int index) const
 {
     if (index > static_cast<unsigned int>(length()))
-        throwOutOfRange("TStringCore::operator[size_type] const argument out of range.");
+        ThrowOutOfRange("TStringCore::operator[size_type] const argument out of range.");
     return constData()[index];
 }
 
 TCodeUnit &TStringCore::operator[](int index)
 {
     if (index < 0 || index > length())
-        throwOutOfRange("TStringCore::operator[int] argument out of range.");
+        ThrowOutOfRange("TStringCore::operator[int] argument out of range.");
     return data()[index];
 }
 
 TCodeUnit &TStringCore::operator[](unsigned int index)
 {
     if (index > static_cast<unsigned int>(length()))
-        throwOutOfRange("TStringCore::operator[size_type] argument out of range.");
+        ThrowOutOfRange("TStringCore::operator[size_type] argument out of range.");
     return data()[index];
 }
 
@@ -166,7 +158,7 @@ TStringCore &TStringCore::append(TCodeUnit const *text, int count)
         return *this;
     int const before = length();
     m_storage.setLength(vansys::detail::StringStorage::checkedLength(std::int64_t{before} + added));
-    copyUnits(m_storage.writableUnits() + before, text, added);
+    CopyUnits(m_storage.writableUnits() + before, text, added);
     return *this;
 }
 
@@ -180,7 +172,7 @@ TStringCore &TStringCore::appendFromSelf(int position, int count)
         return *this;
     m_storage.setLength(vansys::detail::StringStorage::checkedLength(std::int64_t{before} + added));
     TCodeUnit *const units = m_storage.writableUnits();
-    copyUnits(units + before, units + position, added);
+    CopyUnits(units + before, units + position, added);
     return *this;
 }
 
@@ -191,7 +183,7 @@ void TStringCore::prependBOM()
     int const before = length();
     m_storage.setLength(vansys::detail::StringStorage::checkedLength(std::int64_t{before} + 1));
     TCodeUnit *const units = m_storage.writableUnits();
-    moveUnits(units + 1, units, before);
+    MoveUnits(units + 1, units, before);
     units[0] = ByteOrderMark;
 }
 

@@ -30,12 +30,12 @@ constexpr Latin9Row Latin9Rows[] = {
 /// What stands for a code point that a Latin code page lacks.
 constexpr int NotRepresentable = -1;
 
-int latin1Byte(std::uint32_t codePoint)
+int Latin1Byte(std::uint32_t codePoint)
 {
     return codePoint < 0x100 ? static_cast<int>(codePoint) : NotRepresentable;
 }
 
-int latin9Byte(std::uint32_t codePoint)
+int Latin9Byte(std::uint32_t codePoint)
 {
     for (Latin9Row const &row : Latin9Rows)
     {
@@ -44,11 +44,11 @@ int latin9Byte(std::uint32_t codePoint)
         if (codePoint == row.byte)
             return NotRepresentable;
     }
-    return latin1Byte(codePoint);
+    return Latin1Byte(codePoint);
 }
 
 template <class ToByte>
-std::string toNarrow(TStringCore const &text, ToByte toByte, bool *complete)
+std::string ToNarrow(TStringCore const &text, ToByte toByte, bool *complete)
 {
     std::string result;
     result.reserve(static_cast<std::size_t>(text.length()));
@@ -67,7 +67,7 @@ std::string toNarrow(TStringCore const &text, ToByte toByte, bool *complete)
 
 /// A string of what `write` puts into room for `size` bytes; `write` returns how much that is.
 template <class Write>
-std::string writeString(int size, Write write)
+std::string WriteString(int size, Write write)
 {
     std::string result;
 #if defined(__cpp_lib_string_resize_and_overwrite)
@@ -82,7 +82,7 @@ std::string writeString(int size, Write write)
 
 /// The length of zero-terminated text of code points, or the count given.
 template <class CodePoint>
-std::int64_t countCodePoints(CodePoint const *codePoints, int count)
+std::int64_t CountCodePoints(CodePoint const *codePoints, int count)
 {
     if (count >= 0)
         return count;
@@ -94,9 +94,9 @@ std::int64_t countCodePoints(CodePoint const *codePoints, int count)
 
 /// Replaces the text by UTF-32, in the type that it comes in.
 template <class CodePoint>
-void assignUtf32(StringStorage &storage, CodePoint const *codePoints, int count)
+void AssignUtf32(StringStorage &storage, CodePoint const *codePoints, int count)
 {
-    std::int64_t const elements = countCodePoints(codePoints, count);
+    std::int64_t const elements = CountCodePoints(codePoints, count);
     std::int64_t length = 0;
     for (std::int64_t i = 0; i < elements; ++i)
         length += vansys::detail::UnitsOfCodePoint(static_cast<std::uint32_t>(codePoints[i]));
@@ -106,7 +106,7 @@ void assignUtf32(StringStorage &storage, CodePoint const *codePoints, int count)
 }
 
 /// The length of narrow text as `int`.
-int measure(char const *utf8, int count)
+int Measure(char const *utf8, int count)
 {
     if (count >= 0)
         return count;
@@ -117,16 +117,16 @@ int measure(char const *utf8, int count)
 }
 
 /// Replaces the text by decoded UTF-8.
-void assignUtf8(StringStorage &storage, char const *utf8, int count)
+void AssignUtf8(StringStorage &storage, char const *utf8, int count)
 {
-    int const bytes = measure(utf8, count);
+    int const bytes = Measure(utf8, count);
     TCodeUnit *const units = storage.setLengthForOverwrite(bytes);
     storage.shorten(static_cast<int>(vansys::detail::DecodeUtf8(utf8, bytes, units) - units));
 }
 
 /// The length of a standard container as `int`.
 template <class Container>
-int lengthOf(Container const &text)
+int LengthOf(Container const &text)
 {
     return StringStorage::checkedLength(static_cast<std::int64_t>(
         std::min<std::uint64_t>(text.size(), std::numeric_limits<std::int64_t>::max())));
@@ -144,7 +144,7 @@ TStringCore::TStringCore(char const *utf8, int count)
 void TStringCore::constructFromUtf8(char const *utf8, int count)
 {
     if (utf8)
-        assignUtf8(m_storage, utf8, count);
+        AssignUtf8(m_storage, utf8, count);
     else
         clear();
 }
@@ -166,7 +166,7 @@ TStringCore &TStringCore::append(char const *utf8, int count)
         return *this;
     if (inSelf(utf8))
         return append(TStringCore(utf8, count));
-    int const bytes = measure(utf8, count);
+    int const bytes = Measure(utf8, count);
     if (bytes == 0)
         return *this;
     int const before = length();
@@ -178,13 +178,13 @@ TStringCore &TStringCore::append(char const *utf8, int count)
 
 TStringCore TStringCore::fromStdString(std::string const &utf8)
 {
-    return TStringCore(utf8.data(), lengthOf(utf8));
+    return TStringCore(utf8.data(), LengthOf(utf8));
 }
 
 std::string TStringCore::toStdString() const
 {
     TCodeUnit const *next = cbegin();
-    std::string result = writeString(length(),
+    std::string result = WriteString(length(),
                                      [&](char *room)
                                      {
                                          next += vansys::detail::EncodeAsciiPrefix(next, length(), room);
@@ -216,7 +216,7 @@ TStringCore TStringCore::fromUtf32(unsigned int const *codePoints, int count)
 {
     TStringCore result;
     if (codePoints)
-        assignUtf32(result.m_storage, codePoints, count);
+        AssignUtf32(result.m_storage, codePoints, count);
     return result;
 }
 
@@ -224,7 +224,7 @@ TStringCore TStringCore::fromUtf32(char32_t const *codePoints, int count)
 {
     TStringCore result;
     if (codePoints)
-        assignUtf32(result.m_storage, codePoints, count);
+        AssignUtf32(result.m_storage, codePoints, count);
     return result;
 }
 
@@ -233,7 +233,7 @@ TStringCore &TStringCore::assign(TWideTwin const *text, int count)
     if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
         return assign(reinterpret_cast<TCodeUnit const *>(text), count);
     else if (text)
-        assignUtf32(m_storage, text, count);
+        AssignUtf32(m_storage, text, count);
     else
         clear();
     return *this;
@@ -260,12 +260,12 @@ TStringCore &TStringCore::append(TWideTwin codePoint)
 
 TStringCore::TStringCore(std::u16string_view text)
 {
-    assign(reinterpret_cast<TCodeUnit const *>(text.data()), lengthOf(text));
+    assign(reinterpret_cast<TCodeUnit const *>(text.data()), LengthOf(text));
 }
 
 TStringCore::TStringCore(std::wstring_view text)
 {
-    assign(text.data(), lengthOf(text));
+    assign(text.data(), LengthOf(text));
 }
 
 TStringCore TStringCore::fromStdWString(std::wstring const &text)
@@ -370,7 +370,7 @@ Text::Text(TWideTwin const *text) : m_units(nullptr), m_length(0)
     else if (text)
     {
         m_isCodePoints = true;
-        assignUtf32(m_own, text, -1);
+        AssignUtf32(m_own, text, -1);
         m_units = m_own.units();
         m_length = m_own.length();
     }
@@ -381,7 +381,7 @@ Text::Text(char const *utf8) : m_units(nullptr), m_length(0)
     if (!utf8)
         return;
     m_isCodePoints = true;
-    assignUtf8(m_own, utf8, -1);
+    AssignUtf8(m_own, utf8, -1);
     m_units = m_own.units();
     m_length = m_own.length();
 }
@@ -411,7 +411,7 @@ TwinText::TwinText(TWideTwin const *text, int length)
     }
     else
     {
-        assignUtf32(m_transcoded, text, m_count);
+        AssignUtf32(m_transcoded, text, m_count);
         m_units = m_transcoded.units();
         m_length = m_transcoded.length();
     }
@@ -450,7 +450,7 @@ TStringCore TStringCore::fromLatin1(char const *bytes, int count)
     TStringCore result;
     if (!bytes)
         return result;
-    int const length = measure(bytes, count);
+    int const length = Measure(bytes, count);
     std::transform(bytes, bytes + length, result.m_storage.setLengthForOverwrite(length), widen);
     return result;
 }
@@ -474,10 +474,10 @@ TStringCore TStringCore::fromLatin9(char const *bytes, int count)
 
 std::string TStringCore::toLatin1(bool *complete) const
 {
-    return toNarrow(*this, latin1Byte, complete);
+    return ToNarrow(*this, Latin1Byte, complete);
 }
 
 std::string TStringCore::toLatin9(bool *complete) const
 {
-    return toNarrow(*this, latin9Byte, complete);
+    return ToNarrow(*this, Latin9Byte, complete);
 }

@@ -379,6 +379,12 @@ int NumberFunctions::leftIntegerLength(TCodeUnit const *text, int length, int ba
     return digitsEnd == digits ? 0 : StringStorage::checkedLength(digitsEnd - text);
 }
 
+int NumberFunctions::leftIntegerLength(TWideTwin const *text, int length, int base)
+{
+    vansys::detail::TwinText const twin(text, length);
+    return twin.position(leftIntegerLength(twin.units(), twin.length(), base));
+}
+
 int NumberFunctions::leftDoubleLength(TCodeUnit const *text, int length)
 {
     if (!text)

@@ -1,5 +1,6 @@
 #include "vansys/TFormatStringCore.h"
 
+#include "main/vansys/string/RawText.h"
 #include "main/vansys/string/StringAccess.h"
 #include "vansys/TCType.h"
 #include "vansys/TFormatLiteral.h"
@@ -122,7 +123,7 @@ inline TCodeUnit *PutUnits(TCodeUnit *out, Units units)
     else if (count <= 32)
         PutInHalves<32>(out, units);
     else
-        std::memcpy(out, units.data(), count * sizeof *out);
+        vansys::detail::CopyUnits(out, units.data(), static_cast<int>(count));
     return out + count;
 }
 

@@ -8,13 +8,13 @@
 #include "vansys/TStringCore.h"
 
 #include "main/icu/CaseRules.h"
+#include "main/vansys/string/RawText.h"
 #include "main/vansys/string/StringAccess.h"
 #include "main/vansys/string/UnitVector.h"
 #include "vansys/ICUStringFunctions.h"
 #include "vansys/detail/CharacterTable.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <utility>
 
@@ -266,7 +266,7 @@ TStringCore MapCase(TStringCore const &text)
         return text;
     StringStorage result;
     TCodeUnit *const units = result.setLengthForOverwrite(length);
-    std::memcpy(units, text.constData(), static_cast<std::size_t>(first) * sizeof *units);
+    CopyUnits(units, text.constData(), first);
     if (!mapping.Map(first, units) && !MapInFull<Case>(text.constData(), length, result))
         return text;
     return StringAccess::Adopt(std::move(result));

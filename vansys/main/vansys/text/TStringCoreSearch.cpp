@@ -165,6 +165,14 @@ int StringFunctions::findStr(TCodeUnit const *text, int length, TCodeUnit const 
     return FindForwards(RawText(text, length), RawText(needle, needleLength), start, sensitivity);
 }
 
+int StringFunctions::findStr(TWideTwin const *text, int length, TWideTwin const *needle, int needleLength,
+                             int start, CaseSensitivity sensitivity)
+{
+    TwinText const twin(text, length), sought(needle, needleLength);
+    return twin.position(findStr(twin.units(), twin.length(), sought.units(), sought.length(),
+                                 twin.unitPosition(start), sensitivity));
+}
+
 int StringFunctions::findChar(TCodeUnit const *text, int length, TCodeUnit unit, int start,
                               CaseSensitivity sensitivity)
 {

@@ -196,14 +196,15 @@ private:
 
     StringBlock *block() const noexcept
     {
-        StringBlock *result;
-        std::memcpy(&result, m_words.units, sizeof result);
-        return result;
+        void *address;
+        std::memcpy(&address, m_words.units, sizeof address);
+        return static_cast<StringBlock *>(address);
     }
 
     void setBlock(StringBlock *block) noexcept
     {
-        std::memcpy(m_words.units, &block, sizeof block);
+        void *const address = block;
+        std::memcpy(m_words.units, &address, sizeof address);
         m_words.lengthWord = HeapLengthWord;
     }
 
