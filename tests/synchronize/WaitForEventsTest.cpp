@@ -35,6 +35,7 @@ class ProbeEvent : public TEvent
 public:
     bool IsSet() const override
     {
+        EXPECT_EQ(m_callbacks, 1) << "a signal may come between the look and the callback";
         m_onLook();
         return TEvent::IsSet();
     }
