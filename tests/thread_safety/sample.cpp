@@ -53,13 +53,11 @@ public:
     {
 #if FAULT == 6 // writing variable 'm_limit' requires holding mutex 'm_lock' exclusively
         m_lock.lock_shared();
-        m_limit = limit;
-        m_lock.unlock_shared();
 #else
         m_lock.lock();
+#endif
         m_limit = limit;
         m_lock.unlock();
-#endif
     }
 
     void Clear()
@@ -68,9 +66,7 @@ public:
         m_mutex.LockRead();
 #endif
         ClearLocked();
-#if FAULT != 7
         m_mutex.UnlockRead();
-#endif
     }
 
 private:

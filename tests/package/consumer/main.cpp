@@ -13,53 +13,22 @@ int s_failures = 0;
 
 void Check(bool isTrue, char const *expectation)
 {
-    if (!isTrue)
-    {
-        std::fprintf(stderr, "not so: %s\n", expectation);
-        ++s_failures;
-    }
+    if (isTrue)
+        return;
+    std::fprintf(stderr, "not so: %s\n", expectation);
+    ++s_failures;
 }
 
-bool CatchesStringException()
+template <class Exception, class Action>
+bool Throws(Action action)
 {
     try
     {
-        TStringCore(u"abc").at(4);
+        action();
     }
-    catch (TStringCore::Exception const &)
+    catch (Exception const &)
     {
         return true;
-    }
-    return false;
-}
-
-bool CatchesLogicException()
-{
-    try
-    {
-        ThrowLogicException("consumer", 1, "false");
-    }
-    catch (VantrelException const &exception)
-    {
-        return exception.GetMessages().size() == 1;
-    }
-    return false;
-}
-
-bool RethrowsWithItsOwnType()
-{
-    try
-    {
-        VantrelOutOfMemoryException const stored;
-        VantrelException const &base = stored;
-        base.Throw();
-    }
-    catch (VantrelOutOfMemoryException const &)
-    {
-        return true;
-    }
-    catch (VantrelException const &)
-    {
     }
     return false;
 }
@@ -72,9 +41,14 @@ int main()
     text += u"a text that is longer than the string object";
     Check(text.toStdString() == "gr\xC3\xBC\xC3\x9F dich, a text that is longer than the string object",
           "text comes back as it went in");
-    Check(CatchesStringException(), "a failure of the string is caught by its type");
-    Check(CatchesLogicException(), "a failed assertion is caught by its type");
-    Check(RethrowsWithItsOwnType(), "a stored exception is thrown again with its own type");
+    Check(Throws<TStringCore::Exception>([] { TStringCore(u"abc").at(4); }),
+          "a failure of the string is caught by its type");
+    Check(Throws<VantrelException>([] { ThrowLogicException("consumer", 1, "false"); }),
+          "a failed assertion is caught by its type");
+    VantrelOutOfMemoryException const stored;
+    VantrelException const &base = stored;
+    Check(Throws<VantrelOutOfMemoryException>([&base] { base.Throw(); }),
+          "a stored exception is thrown again with its own type");
 
     unsigned char const message[] = {'a', 'b', 'c'};
     Check(sha2().GetHash(sha2::SHA256, message, sizeof message) ==
