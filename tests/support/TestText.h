@@ -41,31 +41,22 @@ class ExactUnits
 public:
     explicit ExactUnits(std::u16string const &text)
         : m_units(new TCodeUnit[text.size()]),
-          m_count(text.size())
+          m_end(std::copy(text.begin(), text.end(), m_units.get()))
     {
-        std::copy(text.begin(), text.end(), m_units.get());
     }
 
     TCodeUnit const *data() const { return m_units.get(); }
-
-    int count() const { return static_cast<int>(m_count); }
+    int count() const { return static_cast<int>(m_end - data()); }
 
 private:
-    std::unique_ptr<TCodeUnit[]> m_units;
-    std::size_t m_count;
+    std::unique_ptr<TCodeUnit[]> const m_units;
+    TCodeUnit const *const m_end;
 };
 
 /// Text of the other wide type, with a zero behind it: UTF-16 or code points, as that type is.
-inline std::vector<TWideTwin> TwinElements(std::u32string const &text)
+inline std::vector<TWideTwin> TwinElements(TStringCore const &text)
 {
-    std::vector<TWideTwin> result;
-    if constexpr (sizeof(TWideTwin) == sizeof(TCodeUnit))
-    {
-        TStringCore const units = TStringCore::fromUtf32(text.c_str(), static_cast<int>(text.size()));
-        result.assign(units.begin(), units.end());
-    }
-    else
-        result.assign(text.begin(), text.end());
-    result.push_back(0);
+    std::vector<TWideTwin> result(static_cast<std::size_t>(text.length()) + 1);
+    result.resize(static_cast<std::size_t>(text.toWCharArray(result.data(), text.length() + 1)) + 1);
     return result;
 }

@@ -5,9 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <list>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace
@@ -40,11 +38,8 @@ TEST(TFormatStringCore, RejectsWhatIsNoFormatString)
     for (Row const &row : rows)
     {
         SCOPED_TRACE(row.format.toStdString());
-        Format kept(u"%2 %1");
-        kept.arg(u"a", u"b");
-        EXPECT_EQ(FailureMessage<Format::Exception>([&] { Format{row.format}; }), row.message);
+        Format kept = Format(u"%2 %1").arg(u"a", u"b");
         EXPECT_EQ(FailureMessage<Format::Exception>([&] { kept = row.format; }), row.message);
-        EXPECT_EQ(kept.formatString(), u"%2 %1");
         EXPECT_EQ(kept.result(), u"b a");
     }
 }
@@ -60,14 +55,11 @@ TEST(TFormatStringCore, PutsArgumentsInPlaceOfMarkers)
 
     TStringCore const longText = TStringCore(u"long text ").append(TStringCore(u'x', 100));
     Row const rows[] = {
-        {u"", {}, u""},
         {u"no marker", {u"ignored"}, u"no marker"},
         {u"%1", {u""}, u""},
         {u"%%1%%%%", {u"x"}, u"%1%%"},
-        {u"%2 %1%%", {u"a", u"b"}, u"b a%"},
-        {u"%1 %1", {u"a", u"ignored"}, u"a a"},
+        {u"%2 %1%1%%", {u"a", u"b", u"ignored"}, u"b aa%"},
         {u"<%1%2>", {u"%2", u"%%"}, u"<%2%%>"},
-        {u"%3%1x", {u"a", u"b", u"c"}, u"cax"},
         {u"%12%1", {u"1", u"2", u"3", u"4", u"5", u"6", u"7", u"8", u"9", u"10", u"11", u"12"}, u"121"},
         {u"%99", Strings(99, u"last"), u"last"},
         {TStringCore(u"\0%1\0", 4), {TStringCore(u"\0", 1)}, TStringCore(u"\0\0\0", 3)},
@@ -84,90 +76,56 @@ TEST(TFormatStringCore, PutsArgumentsInPlaceOfMarkers)
 
 TEST(TFormatStringCore, BindsEachKindOfArgument)
 {
-    EXPECT_EQ(Format(u"%1|%2|%3|%4").arg(u"units").arg("UTF-8").arg(L"wide").arg(nullptr).result(),
-              u"units|UTF-8|wide|");
-    EXPECT_EQ(
-        Format(u"%1|%2|%3|%4").arg("ab", -5, u'.').arg("ab", 5, u'.').arg("ab", 1).arg("ab", -1).result(),
-        u"ab...|...ab|ab|ab");
-    EXPECT_EQ(Format(u"%1%2|%3%4%5").arg(L'y').arg('z').arg(u'x', 3).arg('y', -3, u'.').arg('\xE9').result(),
-              u"yz|  xy..\u00E9");
-    EXPECT_EQ(Format(u"%1%2%3%4%5")
-                  .arg(u"a", "b", TStringCore(u"c"))
-                  .arg(Strings{u"d", u"e"})
-                  .arg(Strings())
-                  .result(),
-              u"abcde");
-    EXPECT_EQ(
-        Format(u"%1%2%3%4%5%6%7%8%9%10").arg("1", "2", "3", "4", "5", "6", "7", "8", "9", u"X").result(),
-        u"123456789X");
-    EXPECT_EQ(Format(u"%1|%2").arg(Format(u"<%1>").arg(u"a"), u"b").result(), u"<a>|b");
-    EXPECT_EQ(Format(u"%1|%2|%3|%4")
-                  .arg(short(-1))
-                  .arg(static_cast<unsigned short>(-1))
-                  .arg(-1)
-                  .arg(255u, 0, 16)
-                  .result(),
+    auto const four = [] { return Format(u"%1|%2|%3|%4"); };
+    EXPECT_EQ(four().arg(u"units").arg("UTF-8").arg(L"wide").arg(nullptr).result(), u"units|UTF-8|wide|");
+    EXPECT_EQ(four().arg("ab", -5, u'.').arg("ab", 5, u'.').arg("ab", 1).arg("ab", -1).result(),
+              u"ab...|...ab|ab|ab");
+    EXPECT_EQ(four().arg(L'y').arg('\xE9').arg(u'x', 3).arg('y', -3, u'.').result(), u"y|\u00E9|  x|y..");
+    EXPECT_EQ(four().arg(u"a", "b").arg(Strings{u"c", u"d"}).arg(Strings()).result(), u"a|b|c|d");
+    EXPECT_EQ(Format(u"%10%5%2%1").arg("1", "2", "3", "4", "5", "6", "7", "8", "9", u"X").result(), u"X521");
+    EXPECT_EQ(four().arg(Format(u"<%1>").arg(u"a"), u"b", u"", TStringCore(u"c")).result(), u"<a>|b||c");
+    EXPECT_EQ(four().arg(short(-1)).arg(static_cast<unsigned short>(-1)).arg(-1).arg(255u, 0, 16).result(),
               u"-1|65535|-1|ff");
-    EXPECT_EQ(Format(u"%1|%2|%3|%4").arg(-7L).arg(7ul).arg(-8LL).arg(~0ull).result(),
-              u"-7|7|-8|18446744073709551615");
-    EXPECT_EQ(Format(u"%1|%2|%3").arg(true).arg(static_cast<signed char>('A')).arg(-5, 4, 10, u'0').result(),
-              u"1|65|00-5");
-    EXPECT_EQ(Format(u"%1|%2").arg(5, -5, 2, u'.').arg(-5, 0, 2).result(), u"101..|-101");
-    EXPECT_EQ(Format(u"%1|%2|%3|%4").arg(0.5).arg(1e10f).arg(2.5, 6, 'f', 2).arg(1.0, 0, 'f').result(),
+    EXPECT_EQ(four().arg(-7L).arg(7ul).arg(-8LL).arg(~0ull).result(), u"-7|7|-8|18446744073709551615");
+    EXPECT_EQ(four().arg(true).arg(static_cast<signed char>('A')).arg(-5, 4, 10, u'0').arg(5, -5, 2).result(),
+              u"1|65|00-5|101  ");
+    EXPECT_EQ(four().arg(0.5).arg(1e10f).arg(2.5, 6, 'f', 2).arg(1.0, 0, 'f').result(),
               u"0.5|1e+10|  2.50|1.000000");
     EXPECT_EQ(TStringCore(Format(u"%1").arg(1.0, 0, 'f', 2, u' ', true).args()), u"1.0");
     Format format(u"%1");
     EXPECT_EQ(&format.arg(u"x"), &format);
     format.clearParms();
     EXPECT_THROW(format.result(), Format::Exception);
-    EXPECT_EQ(format.arg(u"y").result(), u"y");
-}
-
-TEST(TFormatStringCore, WidthBeyondAllTextsFails)
-{
     for (int const width : {std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
-    {
-        Format format(u"%1");
-        EXPECT_THROW(format.arg(u"x", width), TStringCore::Exception);
-        EXPECT_EQ(format.arg(u"y").result(), u"y");
-    }
+        EXPECT_THROW(format.arg(u"x", width), TStringCore::Exception) << "wider than any text";
+    EXPECT_EQ(format.arg(u"y").result(), u"y");
 }
 
 TEST(TFormatStringCore, TooFewArgumentsFail)
 {
-    struct Row
+    auto const expectFailure = [](TStringCore const &text, std::size_t have, char const *expected)
     {
-        TStringCore format;
-        int have;
-        int need;
+        Format format(text);
+        format.arg(Strings(have, u"secret"));
+        EXPECT_EQ(FailureMessage<Format::Exception>([&] { format.result(); }),
+                  TStringCore("Insufficient parameters to format string (have ").append(expected));
+        EXPECT_NO_THROW(format.arg(Strings(0xFFFF, u"x")).result());
     };
-
-    for (Row const &row : {Row{u"%1", 0, 1},
-                           {u"%3 %1", 2, 3},
-                           {u"%\u0661", 99, 0x661 - 0x30},
-                           {u"%\uFF19%1", 1, 0xFF19 - 0x30}})
+    expectFailure(u"%1", 0, "0, need 1: format string = \"%1\")");
+    expectFailure(u"%3 %1", 2, "2, need 3: format string = \"%3 %1\")");
+    expectFailure(u"%\u0661", 99, "99, need 1585: format string = \"%\u0661\")");
+    expectFailure(u"%\uFF19%1", 1, "1, need 65257: format string = \"%\uFF19%1\")");
+    try
     {
-        Format format(row.format);
-        format.arg(Strings(static_cast<std::size_t>(row.have), u"secret"));
-        std::string const expected = "Insufficient parameters to format string (have " +
-                                     std::to_string(row.have) + ", need " + std::to_string(row.need) +
-                                     ": format string = \"" + row.format.toStdString() + "\")";
-        try
-        {
-            format.result();
-            ADD_FAILURE();
-        }
-        catch (Format::Exception const &exception)
-        {
-            EXPECT_EQ(exception.GetMessages(), std::list<TStringCore>{expected.c_str()});
-            EXPECT_EQ(exception.GetRedactedMessages(),
-                      std::list<TStringCore>{"Insufficient parameters to format string (have %1, need %2: "
-                                             "format string = \"%3\")"});
-            std::unique_ptr<VantrelException> const clone(exception.Clone());
-            EXPECT_THROW(clone->Throw(), Format::Exception);
-        }
-        format.arg(Strings(static_cast<std::size_t>(row.need), u"x"));
-        EXPECT_NO_THROW(format.result());
+        Format(u"%1 secret").result();
+        ADD_FAILURE();
+    }
+    catch (Format::Exception const &exception)
+    {
+        EXPECT_EQ(exception.GetRedactedMessages().front(),
+                  "Insufficient parameters to format string (have %1, need %2: format string = \"%3\")");
+        std::unique_ptr<VantrelException> const clone(exception.Clone());
+        EXPECT_THROW(clone->Throw(), Format::Exception);
     }
 }
 
@@ -184,7 +142,6 @@ TEST(TFormatStringCore, CopiesAreIndependent)
     EXPECT_EQ(original.result(), u"ba");
 
     Format moved = std::move(original);
-    EXPECT_EQ(moved.result(), u"ba");
     EXPECT_EQ(original.result(), u"") << "the empty format, without markers";
     original = std::move(moved);
     EXPECT_EQ(moved.result(), u"");

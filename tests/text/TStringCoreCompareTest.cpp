@@ -177,19 +177,19 @@ TEST(TStringCoreCompare, NullIsEmptyAndZeroUnitsCountInStringsOnly)
 TEST(TStringCoreCompare, TwinTextIsComparedByUnitAndCountedByElement)
 {
     // In units, U+1F600 comes before U+FFFD; by code point it would come after it.
-    auto const smile = TwinElements(U"a\U0001F600b");
-    auto const replacement = TwinElements(U"a\uFFFD");
+    auto const smile = TwinElements(u"a\U0001F600b");
+    auto const replacement = TwinElements(u"a\uFFFD");
     EXPECT_EQ(TStringCore::compare(smile.data(), replacement.data()), -1);
     EXPECT_EQ(TStringCore::compareN(smile.data(), replacement.data(), 1), 0);
     EXPECT_EQ(TStringCore::compareN(smile.data(), replacement.data(), 2), -1);
-    auto const other = TwinElements(U"A\U0001F600c");
+    auto const other = TwinElements(u"A\U0001F600c");
     int const elements = static_cast<int>(smile.size()) - 1;
     EXPECT_EQ(TStringCore::compareN(smile.data(), other.data(), elements - 1, TStringCore::CaseInsensitive),
               0);
     EXPECT_EQ(TStringCore::compareN(smile.data(), other.data(), elements, TStringCore::CaseInsensitive), -1);
     TWideTwin const *const null = nullptr;
     EXPECT_EQ(TStringCore::compareN(null, smile.data(), 1), -1);
-    EXPECT_TRUE(TStringCore(u"xya").startsWith(TwinElements(U"XY").data(), TStringCore::CaseInsensitive));
+    EXPECT_TRUE(TStringCore(u"xya").startsWith(TwinElements(u"XY").data(), TStringCore::CaseInsensitive));
 }
 
 namespace

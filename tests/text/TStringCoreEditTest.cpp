@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <functional>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -19,7 +17,6 @@ namespace
 constexpr int MaxInt = std::numeric_limits<int>::max();
 constexpr int MinInt = std::numeric_limits<int>::min();
 constexpr auto AnyCase = TStringCore::CaseInsensitive;
-
 using S = TStringCore;
 
 enum Storage
@@ -28,8 +25,6 @@ enum Storage
     Heap,
     Shared,
 };
-
-constexpr Storage AllStorage[] = {Inline, Heap, Shared};
 
 /// A string in the storage that is asked for, given that it fits inline. `other` is the one that shares it.
 TStringCore StringIn(Storage storage, TStringCore text, TStringCore &other)
@@ -43,7 +38,7 @@ TStringCore StringIn(Storage storage, TStringCore text, TStringCore &other)
 struct Row
 {
     std::u16string_view text;
-    std::function<void(TStringCore &)> change;
+    void (*change)(TStringCore &);
     std::u16string_view expected;
 };
 
@@ -53,27 +48,19 @@ void CheckRows(std::vector<Row> const &rows)
 {
     for (std::size_t i = 0; i < rows.size(); ++i)
     {
-        for (Storage const storage : AllStorage)
+        for (Storage const storage : {Inline, Heap, Shared})
         {
             SCOPED_TRACE(testing::Message() << "row " << i << ", storage " << storage);
-            TStringCore const before(rows[i].text);
-            TStringCore const after(rows[i].expected);
+            TStringCore const before(rows[i].text), after(rows[i].expected);
             TStringCore other;
             TStringCore string = StringIn(storage, before, other);
             TCodeUnit const *const block = string.constData();
             rows[i].change(string);
             EXPECT_EQ(string, after);
             EXPECT_EQ(string.constData()[string.length()], 0);
-            if (storage == Heap)
-            {
-                EXPECT_EQ(string.constData(), block);
-                EXPECT_EQ(string.capacity(), 41);
-            }
-            if (storage == Shared)
-            {
-                EXPECT_EQ(other, before);
-                EXPECT_EQ(string.constData() == other.constData(), before == after);
-            }
+            EXPECT_TRUE(storage != Heap || (string.constData() == block && string.capacity() == 41));
+            EXPECT_EQ(other, storage == Shared ? before : TStringCore());
+            EXPECT_EQ(string.constData() == other.constData(), storage == Shared && before == after);
         }
     }
 }
@@ -86,54 +73,34 @@ TEST(TStringCoreEdit, InEveryStorage)
     auto const twice = u"abcabc"sv;
     auto const blanks = u" \t\u3000a b\u00A0\r\n"sv;
     CheckRows({
-        {abc, [](S &s) { s = u"xy"; }, u"xy"},
-        {abc, [](S &s) { s = "a text of UTF-8 \xC3\xA9"; }, u"a text of UTF-8 \u00E9"},
-        {abc, [](S &s) { s = L"a text of the twin"; }, u"a text of the twin"},
-        {abc, [](S &s) { s.assign(TStringCore(u"short")); }, u"short"},
-        {abc, [](S &s) { s.assign(s.constData() + 2, 3); }, u"cde"},
-        {abc, [](S &s) { s = u'x', s.fill(L'\u00E9', 3).append('!'); }, u"\u00E9\u00E9\u00E9!"},
         {abc, [](S &s) { s.setNum(-1234567890123456789LL); }, u"-1234567890123456789"},
         {abc, [](S &s) { s.setNum(true).append(u",").append(TStringCore().setNum('A', 16)); }, u"1,41"},
         {abc, [](S &s) { s.setNum(0.5, 'f', 20); }, u"0.50000000000000000000"},
-        {abc, [](S &s) { s.setNum(-std::numeric_limits<double>::infinity()); }, u"-inf"},
-        {abc, [](S &s) { s += s, s.append(L"wide").append("\xC3\xA9"); }, u"abcdefabcdefwide\u00E9"},
-        {abc, [](S &s) { s.prependBOM(), s.removeBOM(), s.resize(2); }, u"ab"},
-        {abc, [](S &s) { s.insert(MinInt, L"XY"); }, u"XYabcdef"},
-        {abc, [](S &s) { s.insert(MaxInt, "X\xC3\xA9"); }, u"abcdefX\u00E9"},
-        {abc, [](S &s) { s.insert(3, TStringCore(u"a\0"sv)); }, u"abca\0def"sv},
-        {abc, [](S &s) { s.insert(2, u"too long to be inline"); }, u"abtoo long to be inlinecdef"},
+        {abc, [](S &s) { s.insert(MinInt, L"XY").insert(MaxInt, "X\xC3\xA9"); }, u"XYabcdefX\u00E9"},
         {abc, [](S &s) { s.insert(0, s.constData() + 6).replace(2, 0, nullptr); }, abc},
         {abc, [](S &s) { s.prepend(u'x').push_front('y').push_front(L'z'); }, u"zyxabcdef"},
-        {abc, [](S &s) { s.removeAt(1).removeAt(-1, 2); }, u"def"},
-        {abc, [](S &s) { s.removeAt(4, MaxInt).removeAt(4).removeAt(MaxInt, MaxInt); }, u"abcd"},
-        {abc, [](S &s) { s.replace(MinInt, MaxInt, 'x'); }, u"x"},
-        {abc, [](S &s) { s.replace(1, 4, s.constData() + 4); }, u"aeff"},
+        {abc, [](S &s) { s.removeAt(1).removeAt(-1, 2).removeAt(MaxInt, MaxInt); }, u"def"},
+        {abc, [](S &s) { s.replace(MinInt, MaxInt, 'x').replace(1, 4, u"y"); }, u"xy"},
         {twice, [](S &s) { s.replace(u"c", u"longer text"); }, u"ablonger textablonger text"},
         {twice, [](S &s) { s.replace(u'A', u'x', AnyCase).replace(u"BC", u"bcd", AnyCase); }, u"xbcdxbcd"},
-        {twice, [](S &s) { s.replace(s, s).replace(s, u"x"); }, u"x"},
-        {twice, [](S &s) { s.replace(s.constData() + 4, s.constData() + 3); }, u"aabcaabc"},
+        {twice, [](S &s) { s.replace(s.constData() + 4, s.constData() + 3).replace(s, u"x"); }, u"x"},
         {twice, [](S &s) { s.replace(u"B", u"x").replace(u"", u"x").replace(nullptr, s); }, twice},
-        {twice, [](S &s) { s.removeAll("BC", AnyCase).removeAll(u'a'); }, u""},
-        {twice, [](S &s) { s.removeAll(u"").removeAll(u"x").removeAll(nullptr); }, twice},
+        {twice, [](S &s) { s.removeAll("BC", AnyCase).removeAll(u'a').removeAll(nullptr); }, u""},
         {twice, [](S &s) { s.removeAnyOf(u"ab", 3); }, u"abcc"},
         {twice, [](S &s) { s.removeAnyOf(s.constData() + 4, -7); }, u"aa"},
         {twice, [](S &s) { s.removeAnyOf(u"x").removeAnyOf(u"a", MaxInt).removeAnyOf(nullptr); }, twice},
-        {twice, [](S &s) { s.replaceAnyOf(s, u'-', 1); }, u"a-----"},
-        {twice, [](S &s) { s.replaceAnyOf(u"x", u'-').replaceAnyOf(u"a", u'-', 4); }, twice},
+        {twice, [](S &s) { s.replaceAnyOf(u"x", u'y').replaceAnyOf(s, u'-', 1); }, u"a-----"},
         {u"ab\0c\0"sv, [](S &s) { s.truncateAtFirstNull(); }, u"ab"},
         {twice, [](S &s) { s.truncateAtFirstNull(), s.chop(MinInt), s.truncate(MaxInt); }, twice},
-        {twice, [](S &s) { s.chop(MaxInt); }, u""},
         {u"abc", [](S &s) { s.reverse(); }, u"cba"},
         {blanks, [](S &s) { s.trim(); }, u"a b"},
         {blanks, [](S &s) { s.trimLeft(); }, u"a b\u00A0\r\n"},
-        {u" \n ", [](S &s) { s.trimLeft(); }, u""},
-        {twice, [](S &s) { s.trim(u"ca"); }, u"bcab"},
-        {twice, [](S &s) { s.trimLeft('a').trimRight(L"bc"); }, u"bca"},
+        {twice, [](S &s) { s.trim(u"ca").trimLeft('b').trimRight(L"bc"); }, u"ca"},
         {twice, [](S &s) { s.trimRight(s.constData() + 4); }, u"abca"},
         {twice, [](S &s) { s.trim().trim(u"b").trim(nullptr).trimLeft(u"").trimRight(u' '); }, twice},
         {u"a\r\nb\n\r\r", [](S &s) { s.dosToUnix(); }, u"a\nb\n"},
         {u"a\nb\n", [](S &s) { s.dosToUnix(); }, u"a\nb\n"},
-        {u"a\rb\n", [](S &s) { s.unixToDos(); }, u"a\r\nb\r\n"},
+        {u"a\r\rb", [](S &s) { s.unixToDos(); }, u"a\r\nb"},
         {u"a\r\nb\r\n", [](S &s) { s.toNativeLineEndings(); }, u"a\r\nb\r\n"},
     });
 }
@@ -147,9 +114,8 @@ TEST(TStringCoreEdit, AgreesWithTheReference)
         std::u16string const text = random.text(round % 50 == 0 ? 1000 : 14);
         std::u16string const before = random.text(3);
         int const size = static_cast<int>(text.size());
-        int const position = random.number(-1, size + 1);
-        int const count = random.number(-1, size + 1);
-        auto const storage = AllStorage[random.number(0, 2)];
+        int const position = random.number(-1, size + 1), count = random.number(-1, size + 1);
+        auto const storage = static_cast<Storage>(random.number(Inline, Shared));
         bool const folds = random.number(0, 1) == 1;
         SCOPED_TRACE(testing::Message() << "round " << round << ", storage " << storage);
         auto const fold = folds ? reference::foldAscii : reference::keepCase;
@@ -166,17 +132,13 @@ TEST(TStringCoreEdit, AgreesWithTheReference)
 
         std::u16string expected = text;
         auto const from = static_cast<std::size_t>(std::clamp(position, 0, size));
-        switch (random.number(0, 3))
+        switch (random.number(0, 2))
         {
         case 0:
-            expected.insert(from, after);
-            string.insert(position, argument);
-            break;
-        case 1:
             expected.replace(from, count < 0 ? std::u16string::npos : static_cast<std::size_t>(count), after);
             string.replace(position, count, argument);
             break;
-        case 2:
+        case 1:
             expected = reference::replace(text, before, after, fold);
             ASSERT_EQ(string.replaceCount(TStringCore(before), argument, sensitivity),
                       static_cast<int>(reference::matches(text, before, fold).size()));
@@ -192,33 +154,25 @@ TEST(TStringCoreEdit, AgreesWithTheReference)
 
 TEST(TStringCoreEdit, ConvertsLineEnds)
 {
-    struct Row
+    struct
     {
-        char const *text;
-        char const *unixText;
-        char const *dosText;
-    };
-
-    for (Row const &row : {Row{"", "", ""},
-                           {"a\nb\n", "a\nb\n", "a\r\nb\r\n"},
-                           {"a\r\r", "a\n", "a\r\n"}, // as long as before
-                           {"\n\r\n", "\n\n", "\r\n\r\n"},
-                           {"\r\n\ra", "\n\na", "\r\n\r\na"},
-                           {"\n\n\r\r\nb", "\n\n\nb", "\r\n\r\n\r\nb"},
-                           {"\r\r\r\n\n", "\n\n", "\r\n\r\n"},
-                           {"fourteen units\n", "fourteen units\n", "fourteen units\r\n"}})
+        TStringCore text, unixText, dosText;
+    } const rows[] = {{u"", u"", u""},
+                      {u"a\nb\n", u"a\nb\n", u"a\r\nb\r\n"},
+                      {u"a\r\r", u"a\n", u"a\r\n"}, // as long as before
+                      {u"\n\r\n", u"\n\n", u"\r\n\r\n"},
+                      {u"\r\n\ra", u"\n\na", u"\r\n\r\na"},
+                      {u"\n\n\r\r\nb", u"\n\n\nb", u"\r\n\r\n\r\nb"},
+                      {u"\r\r\r\n\n", u"\n\n", u"\r\n\r\n"}};
+    for (auto const &[text, unixText, dosText] : rows)
     {
-        EXPECT_EQ(TStringCore(row.text).dosToUnix(), row.unixText) << row.text;
-        EXPECT_EQ(TStringCore(row.text).unixToDos(), row.dosText) << row.text;
-        std::basic_string<TWideTwin> twin(row.text, row.text + std::strlen(row.text));
-        twin.resize(static_cast<std::size_t>(TStringCore::dosToUnix(twin.data())));
-        EXPECT_EQ(TStringCore(twin.c_str()), row.unixText);
-        TStringCore units(row.text);
-        units.truncate(TStringCore::dosToUnix(units.data()));
-        EXPECT_EQ(units, row.unixText) << "in place";
+        EXPECT_EQ(TStringCore(text).dosToUnix(), unixText);
+        EXPECT_EQ(TStringCore(text).unixToDos(), dosText);
+        std::vector<TWideTwin> twin = TwinElements(text);
+        EXPECT_EQ(TStringCore::dosToUnix(twin.data()), unixText.length());
+        EXPECT_EQ(TStringCore(twin.data()), unixText);
     }
     EXPECT_EQ(TStringCore::dosToUnix(static_cast<TCodeUnit *>(nullptr)), 0);
-    EXPECT_EQ(TStringCore::dosToUnix(static_cast<TWideTwin *>(nullptr)), 0);
 }
 
 TEST(TStringCoreEdit, FailuresLeaveTheText)

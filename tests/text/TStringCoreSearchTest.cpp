@@ -128,8 +128,8 @@ TEST(TStringCoreSearch, CountsOfTheTwinAreElements)
 {
     // Where an element takes two units, positions of elements and units differ.
     std::u32string const text = U"\U0001F600a\U0001F601,\U0001F600b";
-    std::vector<TWideTwin> const twin = TwinElements(text);
-    std::vector<TWideTwin> const pair = TwinElements(U"\U0001F600");
+    std::vector<TWideTwin> const twin = TwinElements(TStringCore::fromUtf32(text.c_str()));
+    std::vector<TWideTwin> const pair = TwinElements(u"\U0001F600");
     auto const count = static_cast<int>(twin.size()) - 1;
     bool const oneElement = pair.size() == 2;
     EXPECT_EQ(TStringCore::findStr(twin.data(), count, pair.data(), -1), 0);
