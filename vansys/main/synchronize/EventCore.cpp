@@ -77,9 +77,10 @@ void EventCore::RemoveOnSignalCallback(void *key)
 EventCore::Table::node_type EventCore::Extract(void *key)
 {
     Table::node_type callback = m_callbacks.extract(key);
-    if (m_walks != 0 && callback)
-        m_retired.insert(std::move(callback));
-    return callback;
+    if (m_walks == 0 || !callback)
+        return callback;
+    m_retired.insert(std::move(callback));
+    return {};
 }
 
 std::uint32_t EventCore::CheckedMilliseconds(std::chrono::milliseconds timeout)
