@@ -31,6 +31,9 @@ class RefCntPtr;
 template <int ArgumentCount = -1>
 class TFormatLiteral;
 
+template <class Derived, class Base = VantrelException>
+class VantrelExceptionOf;
+
 namespace vansys
 {
 

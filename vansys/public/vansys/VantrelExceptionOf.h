@@ -2,6 +2,7 @@
 /// VantrelExceptionOf: what each class of exceptions derives from.
 #pragma once
 
+#include "vansys/Forward.h"
 #include "vansys/VantrelException.h"
 
 #include <type_traits>
@@ -41,7 +42,7 @@ public:
 ///
 /// A class that a library exports declares its destructor and defines it in a source file, so that there is
 /// one vtable and one type information of it, in that library.
-template <class Derived, class Base = VantrelException>
+template <class Derived, class Base>
 class VantrelExceptionOf : public vansys::detail::CopiesAs<Derived, Base>
 {
     static_assert(std::is_base_of_v<VantrelException, Base>, "only exceptions have messages");
