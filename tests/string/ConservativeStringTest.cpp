@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 TEST(ConservativeString, GrowsByFullAndThreeQuarterSteps)
 {
     EXPECT_FALSE(TStringCore::IsConservativeString());
@@ -12,30 +14,17 @@ TEST(ConservativeString, GrowsByFullAndThreeQuarterSteps)
     EXPECT_TRUE(TStringCore::IsConservativeString());
     EXPECT_EQ(before.capacity(), 64);
 
-    struct Row
-    {
-        int length;
-        int capacity;
-    };
-
-    for (Row const row : {Row{14, 15},
-                          {15, 17},
-                          {16, 17},
-                          {17, 25},
-                          {24, 25},
-                          {25, 41},
-                          {40, 41},
-                          {41, 57},
-                          {100, 121},
-                          {120, 121},
-                          {121, 185}})
-        EXPECT_EQ(TStringCore(u'x', row.length).capacity(), row.capacity) << row.length;
+    std::pair<int, int> const capacities[] = {{14, 15}, {15, 17}, {16, 17},   {17, 25},   {24, 25},  {25, 41},
+                                              {40, 41}, {41, 57}, {100, 121}, {120, 121}, {121, 185}};
+    for (auto const &[length, capacity] : capacities)
+        EXPECT_EQ(TStringCore(u'x', length).capacity(), capacity) << length;
 
     TStringCore text;
-    text.reserve(20);
-    EXPECT_EQ(text.capacity(), 21);
-    text.reserve(31);
-    EXPECT_EQ(text.capacity(), 32);
+    for (int const reserved : {20, 31})
+    {
+        text.reserve(reserved);
+        EXPECT_EQ(text.capacity(), reserved + 1);
+    }
     EXPECT_THROW(text.resize(0x7FFFFFF9), TStringCore::Exception);
     EXPECT_THROW(text.resize(0x70000000), TStringCore::Exception);
 }

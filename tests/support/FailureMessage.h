@@ -21,3 +21,18 @@ TStringCore FailureMessage(Action const &action)
     }
     return TStringCore();
 }
+
+/// What the exception of a string says that `action` throws; empty when it throws none.
+template <class Action>
+TStringCore StringFailureMessage(Action const &action)
+{
+    try
+    {
+        action();
+    }
+    catch (TStringCore::Exception const &exception)
+    {
+        return exception.GetConcatenatedMessages();
+    }
+    return TStringCore();
+}
