@@ -7,7 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -39,7 +38,7 @@ TEST(EventAllocationFailure, LeavesCallbacksAndChildrenAsTheyWere)
         [&] { event.AddOnSignalCallback(&runs, nullptr); },
         [&] { event.AddOnSignalCallback(&child, nullptr); },
         [&] {
-            WaitForAll({&set, &event}, std::chrono::milliseconds(0));
+            WaitForAll({&set, &event}, {});
         },
         [&] { event.Add(*child); },
     };

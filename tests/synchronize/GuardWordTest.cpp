@@ -21,8 +21,7 @@ public:
 
 TEST(GuardWordDeathTest, OverwrittenObjectIsNotDestroyed)
 {
-    GTEST_FLAG_SET(death_test_style,
-                   "threadsafe"); // starts the program anew, as a fork would miss its threads
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // starts the program anew: a fork would miss its threads
     auto *const object = new Checked;
     object->AddReference();
     auto *const guard = reinterpret_cast<unsigned char *>(object) + sizeof(std::int32_t);

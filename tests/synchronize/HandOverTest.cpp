@@ -13,19 +13,11 @@ namespace
 {
 
 /// Does not sleep, as to be woken takes longer than what is timed here.
-void WaitFor(std::atomic<int> const &number, int value)
+template <class Condition>
+void SpinUntil(Condition condition)
 {
-    while (number != value)
+    while (!condition())
         std::this_thread::yield();
-}
-
-/// Spends a random time: any in which another thread reaches a lock, watches it and falls asleep over it.
-void PassTime(std::minstd_rand &random)
-{
-    using Clock = std::chrono::steady_clock;
-    auto const end = Clock::now() + std::chrono::nanoseconds(random() % 5000);
-    while (Clock::now() < end)
-        ;
 }
 
 } // namespace
@@ -33,6 +25,8 @@ void PassTime(std::minstd_rand &random)
 TEST(HandOver, WhoFallsAsleepIsWokenAndSeesWhatWasDone)
 {
     constexpr int Rounds = 2000;
+    using Clock = std::chrono::steady_clock;
+    std::minstd_rand random(1);
     LockRows const locks;
     for (LockRow const &row : locks.rows)
     {
@@ -45,21 +39,22 @@ TEST(HandOver, WhoFallsAsleepIsWokenAndSeesWhatWasDone)
             {
                 for (int round = 1; round <= Rounds; ++round)
                 {
-                    WaitFor(taken, round);
+                    SpinUntil([&] { return taken == round; });
                     row.pass();
                     EXPECT_EQ(written, round);
                     passed = round;
                 }
             });
-        std::minstd_rand random(1);
         for (int round = 1; round <= Rounds; ++round)
         {
             row.take();
             taken.store(round, std::memory_order_relaxed);
-            PassTime(random);
+            // Any time in which another thread reaches a lock, watches it and falls asleep over it.
+            auto const end = Clock::now() + std::chrono::nanoseconds(random() % 5000);
+            SpinUntil([&] { return Clock::now() >= end; });
             written = round;
             row.give();
-            WaitFor(passed, round);
+            SpinUntil([&] { return passed == round; });
         }
         other.join();
     }

@@ -1,7 +1,9 @@
 /// @file
-/// The ways in which one thread waits for another at a lock.
+/// The ways in which one thread waits for another.
 #pragma once
 
+#include "vansys/TAutoResetEvent.h"
+#include "vansys/TEvent.h"
 #include "vansys/TReadWriteLock.h"
 #include "vansys/TRecursiveMutex.h"
 #include "vansys/TSemaphore.h"
@@ -18,10 +20,12 @@ struct LockRow
     std::function<void()> pass;
 };
 
-/// A row for each way, and the locks that the rows use.
+/// A row for each way, and what the rows use.
 class LockRows
 {
 public:
+    LockRows() { m_automatic.Signal(); }
+
     std::vector<LockRow> const rows = {
         {"mutex", [this] { m_mutex.Lock(); }, [this] { m_mutex.Unlock(); },
          [this] { m_mutex.Lock(), m_mutex.Unlock(); }},
@@ -33,10 +37,17 @@ public:
          [this] { m_lock.Lock(), m_lock.Unlock(); }},
         {"semaphore", [this] { m_semaphore->Acquire(); }, [this] { m_semaphore->Release(); },
          [this] { m_semaphore->Acquire(), m_semaphore->Release(); }},
+        {"semaphore, timed", [this] { m_semaphore->Acquire(); }, [this] { m_semaphore->Release(); },
+         [this] { m_semaphore->TryAcquire(TSemaphore::NoTimeout - 1), m_semaphore->Release(); }},
+        {"event", [this] { m_event.Reset(); }, [this] { m_event.Signal(); }, [this] { m_event.Wait(); }},
+        {"auto-reset event", [this] { m_automatic.Wait(); }, [this] { m_automatic.Signal(); },
+         [this] { m_automatic.Wait(), m_automatic.Signal(); }},
     };
 
 private:
     TRecursiveMutex m_mutex;
     TReadWriteLock m_lock;
     RefCntPtr<TSemaphore, RefCntObject> const m_semaphore = TSemaphore::Construct(1);
+    TEvent const m_event;
+    TAutoResetEvent const m_automatic;
 };
