@@ -3,12 +3,10 @@
 #include "icu/Families.h"
 
 #include <set>
-#include <utility>
 
 using namespace VanICU;
 
-using ICUConverterFunctions = ICUFamilyTest;
-VANSYS_WITH_BOTH_FAMILIES(ICUConverterFunctions);
+VANSYS_FAMILY_TEST(ICUConverterFunctions);
 
 using Converter = Owned<ICUConverter, &t_ucnv_close>;
 
@@ -23,10 +21,8 @@ TEST_P(ICUConverterFunctions, KnowTheNamesOfEncodings)
     EXPECT_STREQ(t_ucnv_getCanonicalName("latin1", "IANA", &m_status), "ISO-8859-1");
     EXPECT_STREQ(t_ucnv_getStandardName("ibm-943_P15A-2003", "MIME", &m_status), "Shift_JIS");
 
-    Converter const named(t_ucnv_open("latin1", &m_status));
-    EXPECT_STREQ(t_ucnv_getName(named.get(), &m_status), "ISO-8859-1");
-    Converter const unnamed(t_ucnv_open(nullptr, &m_status));
     std::string const defaultName = t_ucnv_getDefaultName();
+    Converter const unnamed(t_ucnv_open(nullptr, &m_status));
     EXPECT_EQ(t_ucnv_getName(unnamed.get(), &m_status), defaultName);
     t_ucnv_setDefaultName("Shift_JIS");
     std::string const changed = t_ucnv_getDefaultName();
@@ -34,10 +30,9 @@ TEST_P(ICUConverterFunctions, KnowTheNamesOfEncodings)
         << changed << ": some builds of ICU know one";
     t_ucnv_setDefaultName(nullptr);
     EXPECT_EQ(t_ucnv_getDefaultName(), defaultName);
-    EXPECT_EQ(m_status, U_ZERO_ERROR);
-
+    EXPECT_EQ(TakeStatus(), U_ZERO_ERROR);
     EXPECT_EQ(t_ucnv_open("no such encoding", &m_status), nullptr);
-    EXPECT_EQ(m_status, U_FILE_ACCESS_ERROR);
+    EXPECT_EQ(TakeStatus(), U_FILE_ACCESS_ERROR);
 }
 
 TEST_P(ICUConverterFunctions, ConvertWholeTextsAndSingleCharacters)
@@ -47,27 +42,26 @@ TEST_P(ICUConverterFunctions, ConvertWholeTextsAndSingleCharacters)
     TStringCore const text("a\u65E5\u00E5"); // the last character has no place in the encoding
     EXPECT_EQ(t_ucnv_fromUChars(converter.get(), buffer, 10, text, -1, &m_status), 5);
     EXPECT_STREQ(buffer, "a\x93\xFA\xFC\xFC");
-
     char const *source = buffer;
     EXPECT_EQ(t_ucnv_getNextUChar(converter.get(), &source, buffer + 3, &m_status), 'a');
     EXPECT_EQ(source, buffer + 1);
     EXPECT_EQ(t_ucnv_getNextUChar(converter.get(), &source, buffer + 3, &m_status), 0x65E5);
-    EXPECT_EQ(m_status, U_ZERO_ERROR);
+    EXPECT_EQ(TakeStatus(), U_ZERO_ERROR);
     t_ucnv_getNextUChar(converter.get(), &source, buffer + 3, &m_status);
-    EXPECT_EQ(m_status, U_INDEX_OUTOFBOUNDS_ERROR);
+    EXPECT_EQ(TakeStatus(), U_INDEX_OUTOFBOUNDS_ERROR);
 }
 
 TEST_P(ICUConverterFunctions, ConvertInPieces)
 {
     Converter const converter(t_ucnv_open("UTF-8", &m_status));
-    TCodeUnit wide[4] = {};
     int offsets[4] = {-1};
     auto const decoded = [&](std::string const &piece, bool isLast)
     {
+        TCodeUnit wide[4];
         TCodeUnit *target = wide;
         char const *source = piece.data();
-        char const *const end = source + piece.size();
-        t_ucnv_toUnicode(converter.get(), &target, wide + 4, &source, end, offsets, isLast, &m_status);
+        t_ucnv_toUnicode(converter.get(), &target, wide + 4, &source, source + piece.size(), offsets, isLast,
+                         &m_status);
         return TStringCore(wide, static_cast<int>(target - wide));
     };
     EXPECT_EQ(decoded("\xE2\x82", false), "");
@@ -76,21 +70,16 @@ TEST_P(ICUConverterFunctions, ConvertInPieces)
     t_ucnv_reset(converter.get()); // forgets what is left over
     EXPECT_EQ(decoded("!", true), "!");
     EXPECT_EQ(offsets[0], 0);
-    EXPECT_EQ(m_status, U_ZERO_ERROR);
+    EXPECT_EQ(decoded("\xE2\x82", true), "\uFFFD") << "nothing more is to come";
 
     TStringCore const text("a\u20AC");
     char narrow[4] = {};
     char *target = narrow;
     TCodeUnit const *source = text.constData();
-    for (int const room : {1, 4}) // the target is too short at first
-    {
-        m_status = U_ZERO_ERROR;
-        t_ucnv_fromUnicode(converter.get(), &target, narrow + room, &source, text.end(), nullptr, true,
-                           &m_status);
-        EXPECT_EQ(m_status, room == 1 ? U_BUFFER_OVERFLOW_ERROR : U_ZERO_ERROR);
-        EXPECT_EQ(target, narrow + room);
-    }
-    EXPECT_EQ(std::string(narrow, 4), text.toStdString());
+    t_ucnv_fromUnicode(converter.get(), &target, narrow + 1, &source, text.end(), nullptr, true, &m_status);
+    EXPECT_EQ(TakeStatus(), U_BUFFER_OVERFLOW_ERROR);
+    t_ucnv_fromUnicode(converter.get(), &target, narrow + 4, &source, text.end(), nullptr, true, &m_status);
+    EXPECT_EQ(std::string(narrow, target), text.toStdString());
 }
 
 TEST_P(ICUConverterFunctions, DetectAnEncoding)
@@ -108,7 +97,6 @@ TEST_P(ICUConverterFunctions, DetectAnEncoding)
     EXPECT_STREQ(t_ucsdet_getName(matches[0], &m_status), "windows-1251");
     EXPECT_GT(t_ucsdet_getConfidence(matches[0], &m_status),
               t_ucsdet_getConfidence(matches[count - 1], &m_status));
-    EXPECT_EQ(m_status, U_ZERO_ERROR);
     t_ucsdet_close(detector.orphan()); // a leak or a second close is what a sanitizer sees
     EXPECT_EQ(detector.getAlias(), nullptr);
 }

@@ -13,12 +13,17 @@
 #include <utility>
 #include <vector>
 
-/// Each test runs with both families selected in turn.
+/// Each test runs with both families selected in turn, and ends without a failure in `m_status`.
 class ICUFamilyTest : public testing::TestWithParam<int>
 {
 protected:
     ICUFamilyTest() { VanICU::setIcuVersion(GetParam()); }
-    ~ICUFamilyTest() override { VanICU::setIcuVersion(4); }
+
+    ~ICUFamilyTest() override
+    {
+        EXPECT_TRUE(ICU_SUCCESS(m_status)) << VanICU::t_u_errorName(m_status);
+        VanICU::setIcuVersion(4);
+    }
 
     /// What a function fills a buffer with: it takes arguments, a buffer, its capacity and a status, and
     /// returns the length.
@@ -39,11 +44,16 @@ protected:
         return TStringCore(buffer);
     }
 
+    /// The status so far. The next one is that of what follows.
+    VanICU::ICUErrorCode TakeStatus() { return std::exchange(m_status, VanICU::U_ZERO_ERROR); }
+
     /// Passed to every call that takes a status.
     VanICU::ICUErrorCode m_status = VanICU::U_ZERO_ERROR;
 };
 
-#define VANSYS_WITH_BOTH_FAMILIES(suite)                                                                     \
+/// Names the suite of a file.
+#define VANSYS_FAMILY_TEST(suite)                                                                            \
+    using suite = ICUFamilyTest;                                                                             \
     INSTANTIATE_TEST_SUITE_P(Family, suite, testing::Values(4, 55),                                          \
                              [](auto const &family) { return "VanICU" + std::to_string(family.param); })
 

@@ -9,16 +9,11 @@
 
 using namespace VanICU;
 
-using ICULocaleTest = ICUFamilyTest;
-VANSYS_WITH_BOTH_FAMILIES(ICULocaleTest);
+VANSYS_FAMILY_TEST(ICULocaleTest);
 
 TEST_P(ICULocaleTest, IsMadeOfPartsOrOfAName)
 {
-    struct
-    {
-        std::unique_ptr<ICULocale> locale;
-        char const *parts;
-    } const rows[] = {
+    std::pair<std::unique_ptr<ICULocale>, std::string> const rows[] = {
         {ICULocale::createInstance("de", "AT"), "de_AT de_AT de  AT  deu AUT c07"},
         {ICULocale::createInstance("sv", "SE", "POSIX", "collation=standard"),
          "sv_SE_POSIX@collation=standard sv_SE_POSIX sv  SE POSIX swe SWE 41d"},
@@ -27,17 +22,16 @@ TEST_P(ICULocaleTest, IsMadeOfPartsOrOfAName)
         {ICULocale::getRoot(), "        0"},
         {ICULocale::createInstance(""), "        0"},
     };
-    for (auto const &row : rows)
+    for (auto const &[locale, expected] : rows)
     {
-        ICULocale const &locale = *row.locale;
         std::ostringstream parts;
         for (auto const part : {&ICULocale::getName, &ICULocale::getBaseName, &ICULocale::getLanguage,
                                 &ICULocale::getScript, &ICULocale::getCountry, &ICULocale::getVariant,
                                 &ICULocale::getISO3Language, &ICULocale::getISO3Country})
-            parts << (locale.*part)() << ' ';
-        parts << std::hex << locale.getLCID();
-        EXPECT_EQ(parts.str(), row.parts);
-        EXPECT_FALSE(locale.isBogus());
+            parts << ((*locale).*part)() << ' ';
+        parts << std::hex << locale->getLCID();
+        EXPECT_EQ(parts.str(), expected);
+        EXPECT_FALSE(locale->isBogus());
     }
     EXPECT_TRUE(ICULocale::createInstance("a language with far too long a name")->isBogus());
 }
@@ -60,7 +54,6 @@ TEST_P(ICULocaleTest, TellsItsNameInALanguage)
         EXPECT_STREQ(locale->getName(), "sv_SE");
     ICULocale::setDefault(*before, m_status);
     EXPECT_EQ(*ICULocale::getDefault(), *before);
-    EXPECT_EQ(m_status, U_ZERO_ERROR);
 }
 
 TEST_P(ICULocaleTest, CopiesShareWhatTheyWrap)
@@ -78,21 +71,19 @@ TEST_P(ICULocaleTest, CopiesShareWhatTheyWrap)
 TEST_P(ICULocaleTest, ListsWhatIcuHasDataFor)
 {
     int count = -1;
-    auto const locales = ICULocale::getAvailableLocales(count);
-    EXPECT_EQ(static_cast<int>(locales.size()), count);
     std::set<std::string> names;
-    for (auto const &locale : locales)
+    for (auto const &locale : ICULocale::getAvailableLocales(count))
         names.insert(locale->getName());
-    EXPECT_EQ(names.size(), locales.size());
+    EXPECT_EQ(static_cast<int>(names.size()), count);
     EXPECT_TRUE(names.count("sv_SE") && names.count("zh_Hant_TW")) << count;
 }
 
 TEST(ICULocaleFamilies, HaveWellKnownLocalesOfTheirOwn)
 {
-    std::vector<std::pair<ICULocale const &(*)(), char const *>> const rows = {
-        {ICULocale::getUS, "en_US"},           {ICULocale::getCanada, "en_CA"},
-        {ICULocale::getCanadaFrench, "fr_CA"}, {ICULocale::getChina, "zh_CN"},
-        {ICULocale::getPRC, "zh_CN"},          {ICULocale::getJapan, "ja_JP"}};
+    std::pair<ICULocale const &(*)(), char const *> const rows[] = {
+        {ICULocale::getUS, "en_US"},    {ICULocale::getCanada, "en_CA"},
+        {ICULocale::getChina, "zh_CN"}, {ICULocale::getCanadaFrench, "fr_CA"},
+        {ICULocale::getPRC, "zh_CN"},   {ICULocale::getJapan, "ja_JP"}};
     std::set<ICULocale const *> objects;
     for (int const version : {4, 5, 0, 4})
     {
@@ -103,7 +94,7 @@ TEST(ICULocaleFamilies, HaveWellKnownLocalesOfTheirOwn)
             objects.insert(&get());
         }
     }
-    EXPECT_EQ(objects.size(), 2 * rows.size()) << "China and PRC are two, too";
+    EXPECT_EQ(objects.size(), 2 * std::size(rows)) << "China and PRC are two, too";
 }
 
 TEST(ICULocaleFamilies, ConcurrentCallersGetTheSameObject)

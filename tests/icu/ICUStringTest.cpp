@@ -4,27 +4,23 @@
 
 using namespace VanICU;
 
-using ICUStringTest = ICUFamilyTest;
-VANSYS_WITH_BOTH_FAMILIES(ICUStringTest);
+VANSYS_FAMILY_TEST(ICUStringTest);
 
 namespace
 {
 
 TStringCore textOf(ICUString &string)
 {
-    EXPECT_EQ(TStringCore(string.getBuffer(), string.length()), TStringCore(string.getTerminatedBuffer()));
-    return TStringCore(string.getBuffer(), string.length());
+    TStringCore const text(string.getBuffer(), string.length());
+    EXPECT_EQ(TStringCore(string.getTerminatedBuffer()), text);
+    return text;
 }
 
 } // namespace
 
 TEST_P(ICUStringTest, IsMadeOfEachKindOfText)
 {
-    struct
-    {
-        std::unique_ptr<ICUString> string;
-        TStringCore expected;
-    } const rows[] = {
+    std::pair<std::unique_ptr<ICUString>, TStringCore> const rows[] = {
         {ICUString::createInstance(), ""},
         {ICUString::createInstance("a\u20AC\U0001F600\xFF"), u"a\u20AC\U0001F600\uFFFD"},
         {ICUString::createInstance(u"a\u20AC\U0001F600"), u"a\u20AC\U0001F600"},
@@ -35,11 +31,11 @@ TEST_P(ICUStringTest, IsMadeOfEachKindOfText)
         {ICUString::createInstance(static_cast<TCodeUnit const *>(nullptr), 5), ""},
         {ICUString::createInstance(static_cast<TWideTwin const *>(nullptr)), ""},
     };
-    for (auto const &row : rows)
+    for (auto const &[string, expected] : rows)
     {
-        EXPECT_FALSE(row.string->isBogus());
-        EXPECT_EQ(row.string->isEmpty(), row.expected.isEmpty());
-        EXPECT_EQ(textOf(*row.string), row.expected);
+        EXPECT_FALSE(string->isBogus());
+        EXPECT_EQ(string->isEmpty(), expected.isEmpty());
+        EXPECT_EQ(textOf(*string), expected);
     }
 }
 
@@ -57,16 +53,16 @@ TEST_P(ICUStringTest, IsReadByUnitAndByCodePoint)
 TEST_P(ICUStringTest, IsChanged)
 {
     auto const turkish = ICULocale::createFromName("tr");
-    auto const root = ICULocale::getRoot();
     auto const string = ICUString::createInstance(" \u3000 TITLE\u00DF\t");
     EXPECT_EQ(textOf(string->trim()), "TITLE\u00DF");
     EXPECT_EQ(textOf(string->toLower(*turkish)), "t\u0131tle\u00DF");
-    EXPECT_EQ(textOf(string->toUpper(*root)), "TITLESS");
+    EXPECT_EQ(textOf(string->toUpper(*ICULocale::getRoot())), "TITLESS");
     EXPECT_EQ(textOf(string->append(string->getBuffer(), 2)), "TITLESSTI") << "from its own text";
     auto const before = ICULocale::getDefault();
     ICULocale::setDefault(*turkish, m_status);
     EXPECT_EQ(textOf(string->toLower()), "t\u0131tlesst\u0131");
     EXPECT_EQ(textOf(ICUString::createInstance("i")->toUpper()), "\u0130");
+    EXPECT_EQ(textOf(ICUString::createInstance("i")->toUpper(*ICULocale::getRoot())), "I");
     ICULocale::setDefault(*before, m_status);
 }
 
