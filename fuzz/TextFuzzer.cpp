@@ -17,7 +17,7 @@ namespace
 char16_t foldUnit(char16_t unit)
 {
     if (unit < 0x80)
-        return reference::foldAscii(unit);
+        return reference::FoldAscii(unit);
     // Every other odd unit of the input folds to itself.
     switch (unit)
     {
@@ -39,7 +39,7 @@ void compareWithReference(FuzzInput &input)
 {
     bool const ignoreCase = input.TakeBool();
     auto const sensitivity = ignoreCase ? TStringCore::CaseInsensitive : TStringCore::CaseSensitive;
-    reference::Fold const fold = ignoreCase ? foldUnit : reference::keepCase;
+    reference::Fold const fold = ignoreCase ? foldUnit : reference::KeepCase;
     std::u16string const text = input.TakeText(120);
     std::u16string const sought = input.TakeText(4);
     std::u16string const other = input.TakeText(6);
@@ -47,24 +47,23 @@ void compareWithReference(FuzzInput &input)
     TStringCore const ownText = ToString(text);
     TStringCore const ownSought = ToString(sought);
 
-    Require(ownText.compare(ToString(other), sensitivity) == reference::compare(text, other, fold));
-    Require(ownSought.compare(ToString(other), sensitivity) == reference::compare(sought, other, fold));
-    Require(ownText.indexOf(ownSought, start, sensitivity) == reference::indexOf(text, sought, start, fold));
+    Require(ownText.compare(ToString(other), sensitivity) == reference::Compare(text, other, fold));
+    Require(ownSought.compare(ToString(other), sensitivity) == reference::Compare(sought, other, fold));
+    Require(ownText.indexOf(ownSought, start, sensitivity) == reference::IndexOf(text, sought, start, fold));
     Require(ownText.lastIndexOf(ownSought, start, sensitivity) ==
-            reference::lastIndexOf(text, sought, start, fold));
-    Require(ownText.count(ownSought, sensitivity) ==
-            static_cast<int>(reference::matches(text, sought, fold).size()));
+            reference::LastIndexOf(text, sought, start, fold));
+    Require(ownText.count(ownSought, sensitivity) == reference::Count(text, sought, fold));
 
     TStringCore replaced = ownText;
     Require(replaced.replaceCount(ownSought, ToString(other), sensitivity) ==
             ownText.count(ownSought, sensitivity));
-    Require(replaced == ToString(reference::replace(text, sought, other, fold)));
+    Require(replaced == ToString(reference::Replace(text, sought, other, fold)));
     Require(ownText == ToString(text)); // the copy has changed alone
 
     bool const skipEmpty = input.TakeBool();
     std::vector<TStringCore> const parts = ownText.split(
         ownSought, skipEmpty ? TStringCore::SkipEmptyParts : TStringCore::KeepEmptyParts, sensitivity);
-    std::vector<std::u16string> const expectedParts = reference::split(text, sought, skipEmpty, fold);
+    std::vector<std::u16string> const expectedParts = reference::Split(text, sought, skipEmpty, fold);
     Require(parts.size() == expectedParts.size());
     for (std::size_t i = 0; i < parts.size(); ++i)
         Require(parts[i] == ToString(expectedParts[i]));
@@ -77,7 +76,7 @@ void compareWithReference(FuzzInput &input)
     auto const ownFlags = static_cast<TStringCore::SectionFlags>(
         flags | (ignoreCase ? TStringCore::SectionCaseInsensitiveSeps : TStringCore::SectionDefault));
     Require(ownText.section(ownSought, first, last, ownFlags) ==
-            ToString(reference::section(text, sought, first, last, flags, fold)));
+            ToString(reference::Section(text, sought, first, last, flags, fold)));
 }
 
 } // namespace

@@ -5,138 +5,108 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace reference
 {
 
+using Text = std::u16string;
+
 /// What becomes of a unit before units are compared.
 using Fold = char16_t (*)(char16_t);
 
-inline char16_t keepCase(char16_t unit)
-{
-    return unit;
-}
+inline constexpr Fold KeepCase = [](char16_t unit) { return unit; };
+inline constexpr Fold FoldAscii = [](char16_t unit)
+{ return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit; };
 
-inline char16_t foldAscii(char16_t unit)
-{
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit;
-}
-
-inline std::u16string folded(std::u16string text, Fold fold)
+inline Text Folded(Text text, Fold fold)
 {
     std::transform(text.begin(), text.end(), text.begin(), fold);
     return text;
 }
 
-inline int compare(std::u16string const &a, std::u16string const &b, Fold fold)
+inline int Compare(Text const &a, Text const &b, Fold fold)
 {
-    int const order = folded(a, fold).compare(folded(b, fold));
+    int const order = Folded(a, fold).compare(Folded(b, fold));
     return (order > 0) - (order < 0);
 }
 
 /// A position of the standard library as one of ours.
-inline int position(std::size_t found)
+inline int Position(std::size_t found)
 {
-    return found == std::u16string::npos ? -1 : static_cast<int>(found);
+    return found == Text::npos ? -1 : static_cast<int>(found);
 }
 
-inline int indexOf(std::u16string const &text, std::u16string const &needle, int start, Fold fold)
+inline int IndexOf(Text const &text, Text const &needle, int start, Fold fold)
 {
-    auto const from = static_cast<std::size_t>(std::max(start, 0));
-    return position(folded(text, fold).find(folded(needle, fold), from));
+    return Position(Folded(text, fold).find(Folded(needle, fold), static_cast<unsigned>(std::max(start, 0))));
 }
 
-inline int lastIndexOf(std::u16string const &text, std::u16string const &needle, int start, Fold fold)
+inline int LastIndexOf(Text const &text, Text const &needle, int start, Fold fold)
 {
     if (needle.empty() && start > static_cast<int>(text.size()))
         return -1;
-    std::size_t const from = start < 0 ? std::u16string::npos : static_cast<std::size_t>(start);
-    return position(folded(text, fold).rfind(folded(needle, fold), from));
+    std::size_t const from = start < 0 ? Text::npos : static_cast<std::size_t>(start);
+    return Position(Folded(text, fold).rfind(Folded(needle, fold), from));
 }
 
-/// The matches from left to right that do not overlap; none of an empty needle.
-inline std::vector<std::size_t> matches(std::u16string const &text, std::u16string const &needle, Fold fold)
-{
-    std::vector<std::size_t> result;
-    int from = 0;
-    while (!needle.empty() && (from = indexOf(text, needle, from, fold)) >= 0)
-    {
-        result.push_back(static_cast<std::size_t>(from));
-        from += static_cast<int>(needle.size());
-    }
-    return result;
-}
+/// A part of a text: where it begins, and where it ends.
+using Part = std::pair<std::size_t, std::size_t>;
 
-inline std::u16string replace(std::u16string const &text, std::u16string const &before,
-                              std::u16string const &after, Fold fold)
-{
-    std::u16string result;
-    std::size_t from = 0;
-    for (std::size_t const match : matches(text, before, fold))
-    {
-        result += text.substr(from, match - from) + after;
-        from = match + before.size();
-    }
-    return result + text.substr(from);
-}
-
-/// A part of a text, by its place.
-struct Part
-{
-    std::size_t position;
-    std::size_t length;
-};
-
-inline std::vector<Part> cut(std::u16string const &text, std::u16string const &separator, bool skipEmpty,
-                             Fold fold)
+/// What lies between the matches of a separator, from left to right; nothing where that is empty.
+inline std::vector<Part> Cut(Text const &text, Text const &separator, bool skipEmpty, Fold fold)
 {
     std::vector<Part> result;
-    if (separator.empty())
-        return result;
     std::size_t from = 0;
-    for (std::size_t const match : matches(text, separator, fold))
+    for (int match = 0; !separator.empty() && match >= 0; from = result.back().second + separator.size())
     {
-        result.push_back({from, match - from});
-        from = match + separator.size();
+        match = IndexOf(text, separator, static_cast<int>(from), fold);
+        result.emplace_back(from, match < 0 ? text.size() : static_cast<std::size_t>(match));
     }
-    result.push_back({from, text.size() - from});
     if (skipEmpty)
-        std::erase_if(result, [](Part part) { return part.length == 0; });
+        std::erase_if(result, [](Part part) { return part.first == part.second; });
     return result;
 }
 
-inline std::vector<std::u16string> split(std::u16string const &text, std::u16string const &separator,
-                                         bool skipEmpty, Fold fold)
+inline std::vector<Text> Split(Text const &text, Text const &separator, bool skipEmpty, Fold fold)
 {
-    std::vector<std::u16string> result;
-    for (Part const part : cut(text, separator, skipEmpty, fold))
-        result.push_back(text.substr(part.position, part.length));
+    std::vector<Text> result;
+    for (auto const &[begin, end] : Cut(text, separator, skipEmpty, fold))
+        result.push_back(text.substr(begin, end - begin));
     return result;
+}
+
+/// The number of matches that do not overlap; none of an empty needle.
+inline int Count(Text const &text, Text const &needle, Fold fold)
+{
+    return std::max(static_cast<int>(Cut(text, needle, false, fold).size()) - 1, 0);
+}
+
+inline Text Replace(Text const &text, Text const &before, Text const &after, Fold fold)
+{
+    Text result;
+    for (Text const &part : Split(text, before, false, fold))
+        result += part + after;
+    return before.empty() ? text : result.substr(0, result.size() - after.size());
 }
 
 /// The flags: 1 skips empty sections, 2 and 4 include the separator before and after.
-inline std::u16string section(std::u16string const &text, std::u16string const &separator, int first,
-                              int last, int flags, Fold fold)
+inline Text Section(Text const &text, Text const &separator, int first, int last, int flags, Fold fold)
 {
-    if (text.empty())
-        return {};
-    std::vector<Part> const sections = cut(text, separator, (flags & 1) != 0, fold);
+    std::vector<Part> const sections = Cut(text, separator, (flags & 1) != 0, fold);
     auto const count = static_cast<int>(sections.size());
-    if (first < 0)
-        first += count;
-    if (last < 0)
-        last += count;
-    if (first < 0 || last >= count || last < first)
+    first += first < 0 ? count : 0;
+    last += last < 0 ? count : 0;
+    if (text.empty() || first < 0 || last >= count || last < first)
         return {};
-    Part const &end = sections[static_cast<std::size_t>(last)];
-    std::size_t from = sections[static_cast<std::size_t>(first)].position;
-    std::size_t to = end.position + end.length;
-    if ((flags & 2) != 0 && from >= separator.size())
-        from -= separator.size();
-    if ((flags & 4) != 0 && to + separator.size() <= text.size())
-        to += separator.size();
-    return text.substr(from, to - from);
+    std::size_t begin = sections[static_cast<std::size_t>(first)].first;
+    std::size_t end = sections[static_cast<std::size_t>(last)].second;
+    if ((flags & 2) != 0 && begin >= separator.size())
+        begin -= separator.size();
+    if ((flags & 4) != 0 && end + separator.size() <= text.size())
+        end += separator.size();
+    return text.substr(begin, end - begin);
 }
 
 } // namespace reference

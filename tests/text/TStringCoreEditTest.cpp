@@ -118,7 +118,7 @@ TEST(TStringCoreEdit, AgreesWithTheReference)
         auto const storage = static_cast<Storage>(random.number(Inline, Shared));
         bool const folds = random.number(0, 1) == 1;
         SCOPED_TRACE(testing::Message() << "round " << round << ", storage " << storage);
-        auto const fold = folds ? reference::foldAscii : reference::keepCase;
+        auto const fold = folds ? reference::FoldAscii : reference::KeepCase;
         auto const sensitivity = folds ? TStringCore::CaseInsensitive : TStringCore::CaseSensitive;
 
         TStringCore other;
@@ -139,12 +139,12 @@ TEST(TStringCoreEdit, AgreesWithTheReference)
             string.replace(position, count, argument);
             break;
         case 1:
-            expected = reference::replace(text, before, after, fold);
+            expected = reference::Replace(text, before, after, fold);
             ASSERT_EQ(string.replaceCount(TStringCore(before), argument, sensitivity),
-                      static_cast<int>(reference::matches(text, before, fold).size()));
+                      reference::Count(text, before, fold));
             break;
         default:
-            expected = reference::replace(text, after, u"", fold);
+            expected = reference::Replace(text, after, u"", fold);
             string.removeAll(argument, sensitivity);
         }
         ASSERT_EQ(string, TStringCore(expected));

@@ -58,12 +58,12 @@ TEST(TStringCoreParts, SplitAndSectionAgreeWithTheReference)
         int const flags = random.number(0, 15), first = random.number(-5, 5), last = random.number(-5, 5);
         SCOPED_TRACE(testing::Message() << "round " << round << ", flags " << flags);
         bool const folds = (flags & 8) != 0;
-        auto const fold = folds ? reference::foldAscii : reference::keepCase;
+        auto const fold = folds ? reference::FoldAscii : reference::KeepCase;
         auto const sensitivity = folds ? TStringCore::CaseInsensitive : TStringCore::CaseSensitive;
         TStringCore const string(text), sought(separator);
 
         Strings expected;
-        for (std::u16string const &part : reference::split(text, separator, (flags & 1) != 0, fold))
+        for (std::u16string const &part : reference::Split(text, separator, (flags & 1) != 0, fold))
             expected.push_back(TStringCore(part));
         auto const behavior = static_cast<TStringCore::SplitBehavior>(flags & 1);
         ASSERT_EQ(string.split(sought, behavior, sensitivity), expected);
@@ -73,7 +73,7 @@ TEST(TStringCoreParts, SplitAndSectionAgreeWithTheReference)
             ASSERT_TRUE(flags % 2 == 1 || TStringCore::join(expected, sought) == string);
         }
         auto const sectionFlags = static_cast<TStringCore::SectionFlags>(flags);
-        TStringCore const section(reference::section(text, separator, first, last, flags, fold));
+        TStringCore const section(reference::Section(text, separator, first, last, flags, fold));
         ASSERT_EQ(string.section(sought, first, last, sectionFlags), section);
         ExactUnits const units(text);
         ASSERT_EQ(TStringCore::section(units.data(), units.count(), sought.constData(), sought.length(),
