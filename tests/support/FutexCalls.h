@@ -3,8 +3,6 @@
 /// with --wrap=syscall.
 #pragma once
 
-#include <functional>
-
 /// Counts the calls since it was created, of all threads.
 class FutexCalls
 {
@@ -12,9 +10,6 @@ public:
     FutexCalls();
 
     int Count() const;
-
-    /// Has `function` called once: when the next time limit has passed, by the thread that was asleep.
-    static void AtNextTimeLimit(std::function<void()> function);
 
 private:
     int m_before;

@@ -40,15 +40,15 @@ public:
     Value const *end() const noexcept { return m_values + m_size; }
 
     /// Throws `TStringCore::Exception` "Out of memory".
-    void append(Value value)
+    void Append(Value value)
     {
         if (m_size == m_capacity)
-            grow();
+            Grow();
         m_values[m_size++] = value;
     }
 
 private:
-    void grow()
+    void Grow()
     {
         bool const isInline = m_values == m_room;
         void *const grown = m_capacity <= std::numeric_limits<std::size_t>::max() / sizeof(Value) / 2

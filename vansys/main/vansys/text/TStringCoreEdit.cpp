@@ -174,7 +174,7 @@ int TStringCore::replaceCount(Text const &before, Text const &after, CaseSensiti
 
     Places places;
     for (int match = firstMatch; match >= 0; match = next(match + old.Length()))
-        places.append(match);
+        places.Append(match);
     auto const matches = static_cast<int>(places.size());
     int const oldLength = length();
     int const newLength = StringStorage::checkedLength(oldLength + std::int64_t{matches} *

@@ -42,7 +42,7 @@ void Gather(Parts &parts, int length, StringFunctions::SplitBehavior behavior, F
         bool const isLast = separator.position < 0;
         Part const part{from, (isLast ? length : separator.position) - from};
         if (part.length > 0 || behavior == StringFunctions::KeepEmptyParts)
-            parts.append(part);
+            parts.Append(part);
         if (isLast)
             return;
         from = separator.End();
