@@ -87,7 +87,8 @@ TEST(AllocationFailure, MutatorsLeaveTheTextAsItWas)
                 EXPECT_EQ(text.capacity(), capacity);
                 EXPECT_EQ(copy.toStdUString(), shared ? expected : u"");
             };
-            auto const change = [&] { changes[i / 4](text); };
+            auto const &perform = changes[i / 4];
+            auto const change = [&] { perform(text); };
             failures += failEachAllocation(prepare, change, check);
         }
     }

@@ -103,8 +103,10 @@ TEST(TStringCoreParse, LeftIntegerLength)
 
 TEST(TStringCoreParse, BasesOutOfRange)
 {
-    for (auto const &[text, base] : {std::pair(u"7", 0), {u"x", 0}, {u"7", 1}, {u"77", -1}, {u"x", 37}})
+    for (auto const &row : {std::pair(u"7", 0), {u"x", 0}, {u"7", 1}, {u"77", -1}, {u"x", 37}})
     {
+        char16_t const *const text = row.first;
+        int const base = row.second;
         TStringCore const string = text;
         auto const twin = twinOf(string);
         EXPECT_EQ(StringFailureMessage([&] { string.leftIntegerLength(base); }), BaseError);
