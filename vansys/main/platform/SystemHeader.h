@@ -11,8 +11,9 @@
 #    define VANSYS_SYSTEM_HEADER(room, name) VANSYS_SYSTEM_HEADER_PATH(room, name##_linux)
 #endif
 
-// The formatter would take the path for a division, and put spaces into it.
+// The formatter would take the path for a division, and put spaces into it; and a path has no parentheses.
 // clang-format off
+// NOLINTNEXTLINE(bugprone-macro-parentheses)
 #define VANSYS_SYSTEM_HEADER_PATH(room, file) VANSYS_SYSTEM_HEADER_QUOTE(main/room/file.h)
 // clang-format on
 
