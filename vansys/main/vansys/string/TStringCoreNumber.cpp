@@ -156,9 +156,9 @@ void WriteInteger(StringStorage &storage, Integer value, int base, int fieldWidt
 template <class Integer>
 TStringCore IntegerText(Integer value, int base, int fieldWidth, TCodeUnit fill)
 {
-    StringStorage result;
-    WriteInteger(result, value, base, fieldWidth, fill);
-    return StringAccess::Adopt(std::move(result));
+    TStringCore result;
+    WriteInteger(StringAccess::Storage(result), value, base, fieldWidth, fill);
+    return result;
 }
 
 // Floating point
@@ -307,9 +307,9 @@ TStringCore NumberFunctions::number(unsigned long value, int base, int fieldWidt
 
 TStringCore NumberFunctions::number(double value, char format, int precision, bool tidy)
 {
-    StringStorage result;
-    WriteDouble(result, value, format, precision, tidy);
-    return StringAccess::Adopt(std::move(result));
+    TStringCore result;
+    WriteDouble(StringAccess::Storage(result), value, format, precision, tidy);
+    return result;
 }
 
 TStringCore &TStringCore::setNum(long long value, int base)
