@@ -5,7 +5,7 @@
 namespace vansys::detail
 {
 
-void RecursiveMutexBackEnd::WaitAndTake(ThreadIdentity self) noexcept
+void RecursiveMutexBackEnd::WaitAndTake() noexcept
 {
     // Looks before it tries, as trying takes the word away from the thread that is going to unlock.
     auto const tryTake = [this] { return m_state.load(std::memory_order_relaxed) == Free && TryTake(); };
@@ -14,7 +14,7 @@ void RecursiveMutexBackEnd::WaitAndTake(ThreadIdentity self) noexcept
         while (m_state.exchange(Held | WithSleepers, std::memory_order_acquire) & Held)
             FutexWait(m_state, Held | WithSleepers);
     }
-    SetOwner(self);
+    SetOwner(CurrentThreadIdentity());
 }
 
 } // namespace vansys::detail

@@ -25,13 +25,8 @@ class RecursiveMutexBackEnd
 public:
     void Lock() noexcept
     {
-        ThreadIdentity const self = CurrentThreadIdentity();
-        if (IsOwnedBy(self))
-            ++m_nestedLocks;
-        else if (TryTake())
-            SetOwner(self);
-        else
-            WaitAndTake(self);
+        if (!TryLock())
+            WaitAndTake();
     }
 
     bool TryLock() noexcept
@@ -76,7 +71,7 @@ private:
 
     bool TryTake() noexcept { return !(m_state.fetch_or(Held, std::memory_order_acquire) & Held); }
 
-    void WaitAndTake(ThreadIdentity self) noexcept;
+    void WaitAndTake() noexcept;
 
     FutexWord m_state{Free};
     std::uint32_t m_nestedLocks = 0; // used by the owner only

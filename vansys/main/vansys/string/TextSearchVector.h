@@ -85,7 +85,6 @@ private:
 /// A way to compare (see `Exactly`), and what the search by vectors needs to know besides.
 struct SearchExactly : Exactly
 {
-
     template <int Bytes>
     using Candidates = ExactCandidates<Bytes>;
 

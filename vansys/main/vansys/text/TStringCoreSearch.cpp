@@ -68,7 +68,6 @@ private:
 
 struct SearchWithoutCase : WithoutCase
 {
-
     template <int Bytes>
     using Candidates = FoldedCandidates<Bytes>;
 
