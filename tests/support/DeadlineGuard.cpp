@@ -14,8 +14,8 @@
 namespace
 {
 
-/// Far beyond what any test takes, also with a sanitizer on a busy machine. Counted in slices, so that a machine
-/// that stands still for minutes, or a clock that is set forward, takes one slice off and not all.
+/// Far beyond what any test takes, also with a sanitizer on a busy machine. Counted in slices, so that a
+/// machine that stands still for minutes, or a clock that is set forward, takes one slice off and not all.
 constexpr std::chrono::seconds Slice(1);
 constexpr int SliceLimit = 180;
 
@@ -45,7 +45,8 @@ private:
         std::unique_lock lock(m_mutex);
         // The system's clock: the sanitizers do not follow waits by other clocks.
         for (int slice = 0; slice < SliceLimit; ++slice)
-            if (m_condition.wait_until(lock, std::chrono::system_clock::now() + Slice, [this] { return m_isOver; }))
+            if (m_condition.wait_until(lock, std::chrono::system_clock::now() + Slice,
+                                       [this] { return m_isOver; }))
                 return;
         std::fprintf(stderr, "%s hangs\n", name.c_str());
         std::abort();

@@ -15,6 +15,7 @@ class TRecursiveMutex;
 class TScanStringCore;
 class TSemaphore;
 class TSemaphoreScope;
+class TStackWalkerBase;
 class TStringCore;
 class VantrelException;
 class VantrelOutOfMemoryException;
