@@ -23,6 +23,8 @@ class VantrelUserErrorException;
 class sha2;
 struct RefCntPtrHash;
 
+enum class CrashDumpType : int;
+
 template <class T>
 class RefCntObjectNonVirtualBase;
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "vansys/AssertHooks.h"
+#include "vansys/CrashDumpType.h"
 #include "vansys/Export.h"
 #include "vansys/Forward.h"
 #include "vansys/ICUCharacterFunctions.h"
