@@ -10,6 +10,7 @@ class TCancelEvent;
 class TCountdownEvent;
 class TEvent;
 class TFormatStringCore;
+class TPathCore;
 class TReadWriteLock;
 class TRecursiveMutex;
 class TScanStringCore;
@@ -21,6 +22,9 @@ class VantrelException;
 class VantrelOutOfMemoryException;
 class VantrelUserErrorException;
 class sha2;
+struct PathEqualExact;
+struct PathHashExact;
+struct PathLess;
 struct RefCntPtrHash;
 
 enum class CrashDumpType : int;
