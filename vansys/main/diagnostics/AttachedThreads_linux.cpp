@@ -1,0 +1,171 @@
+#include "main/diagnostics/StoppedThreads_linux.h"
+
+#include <cerrno>
+#include <csignal>
+#include <ctime>
+#include <sched.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/user.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace vansys::detail
+{
+
+namespace
+{
+
+// A thread can be attached to by another process only. The one made here shares the memory of this process,
+// so that it costs little and can write its findings where they belong; it shares the thread's own variables,
+// too, and so the thread that makes it waits until it has ended. It runs no handlers, and ends without a
+// signal to the host.
+//
+// While it works, any thread may stand still with any lock held, malloc's and the loader's among them:
+// whatever it calls allocates nothing and takes no lock.
+
+struct Order
+{
+    Storages const &storages;
+    Clock::TimePoint deadline;
+};
+
+/// Attaches to the thread, and asks it to stop, unless that has been done. Returns whether it is going to
+/// stop.
+bool Attach(StackStorage &storage) noexcept
+{
+    if (storage.GetState() != StackStorage::Asked)
+        return false;
+    if (ptrace(PTRACE_SEIZE, storage.ThreadId(), nullptr, nullptr) != 0 ||
+        ptrace(PTRACE_INTERRUPT, storage.ThreadId(), nullptr, nullptr) != 0)
+    {
+        storage.SetState(errno == ESRCH ? StackStorage::Gone : StackStorage::Refused);
+        return false;
+    }
+    return true;
+}
+
+StackStorage *Find(Storages const &storages, pid_t threadId) noexcept
+{
+    for (StackStorage::Pointer const &storage : storages)
+        if (storage->ThreadId() == threadId)
+            return storage.get();
+    return nullptr;
+}
+
+/// The thread has stopped, or has ended.
+void TakeStack(StackStorage &storage, int status) noexcept
+{
+    if (!WIFSTOPPED(status))
+    {
+        storage.SetState(StackStorage::Gone);
+        return;
+    }
+    user_regs_struct registers{};
+    if (ptrace(PTRACE_GETREGS, storage.ThreadId(), nullptr, &registers) == 0)
+        storage.Answer(RegistersOf(registers));
+    // It may have stopped for a signal that has come first, and has that delivered now. Stops that were asked
+    // for have an event in the upper half.
+    long const signal = status >> 16 == 0 ? WSTOPSIG(status) : 0;
+    ptrace(PTRACE_DETACH, storage.ThreadId(), nullptr, signal);
+}
+
+/// What the process does. In the end, the kernel detaches it from whatever has not stopped.
+int WalkAttached(void *argument) noexcept
+{
+    Order const &order = *static_cast<Order const *>(argument);
+    std::size_t awaited = 0;
+    for (StackStorage::Pointer const &storage : order.storages)
+        if (Attach(*storage))
+            ++awaited;
+    while (awaited > 0)
+    {
+        int status = 0;
+        long const stopped = syscall(SYS_wait4, -1, &status, __WALL | WNOHANG, nullptr);
+        if (stopped < 0)
+            break;
+        if (stopped > 0)
+        {
+            StackStorage *const storage = Find(order.storages, static_cast<pid_t>(stopped));
+            if (!storage || storage->GetState() != StackStorage::Asked)
+                continue;
+            TakeStack(*storage, status);
+            --awaited;
+        }
+        else if (Clock::Now() >= order.deadline)
+            break;
+        else
+        {
+            constexpr timespec Moment{0, 20'000};
+            syscall(SYS_nanosleep, &Moment, nullptr);
+        }
+    }
+    return 0;
+}
+
+/// Has all signals blocked while it exists, those that the C library keeps for itself included.
+class BlockedSignals
+{
+public:
+    BlockedSignals() noexcept
+    {
+        constexpr std::uint64_t All = ~std::uint64_t{0};
+        syscall(SYS_rt_sigprocmask, SIG_SETMASK, &All, &m_before, sizeof All);
+    }
+    BlockedSignals(BlockedSignals const &) = delete;
+    BlockedSignals &operator=(BlockedSignals const &) = delete;
+    ~BlockedSignals() { syscall(SYS_rt_sigprocmask, SIG_SETMASK, &m_before, nullptr, sizeof m_before); }
+
+private:
+    std::uint64_t m_before = 0;
+};
+
+/// Returns when the process has ended. False when there is none.
+bool RunProcess(Order &order) noexcept
+{
+    constexpr std::size_t StackSize = std::size_t{256} << 10;
+    void *const stack =
+        mmap(nullptr, StackSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    if (stack == MAP_FAILED)
+        return false;
+    pid_t process = -1;
+    {
+        BlockedSignals const blocked;
+        constexpr int NoSignal = 0;
+        process = clone(WalkAttached, static_cast<char *>(stack) + StackSize,
+                        CLONE_VM | CLONE_VFORK | CLONE_FS | CLONE_FILES | CLONE_UNTRACED | NoSignal, &order);
+        // Only calls that ask for such processes find it. If the host has one that asks for all, it may be
+        // first.
+        if (process > 0)
+            syscall(SYS_wait4, process, nullptr, __WALL, nullptr);
+    }
+    munmap(stack, StackSize);
+    return process > 0;
+}
+
+} // namespace
+
+void WalkByAttaching(Storages const &storages, Clock::TimePoint deadline) noexcept
+{
+    int const savedError = errno;
+    Order order{storages, deadline};
+    bool const couldRun = RunProcess(order);
+    if (!couldRun)
+        ReplaceState(storages, StackStorage::Asked, StackStorage::Refused);
+    // Those that did not stop in time are not asked again.
+    ReplaceState(storages, StackStorage::Asked, StackStorage::Silent);
+    // Where the system has such a rule, a process says who may attach to it: its descendants from now on.
+    if (couldRun && HasState(storages, StackStorage::Refused) &&
+        prctl(PR_SET_PTRACER, getpid(), 0, 0, 0) == 0)
+    {
+        ReplaceState(storages, StackStorage::Refused, StackStorage::Asked);
+        RunProcess(order);
+        ReplaceState(storages, StackStorage::Asked, StackStorage::Silent);
+        prctl(PR_SET_PTRACER, 0, 0, 0, 0);
+    }
+    errno = savedError;
+}
+
+} // namespace vansys::detail
