@@ -25,7 +25,7 @@ bool TakeNumber(std::string_view &text, std::uint64_t &number, int base, char en
 }
 
 /// The build id among the notes, if it is there.
-void FindBuildId(unsigned char const *notes, std::size_t size, LoadedModule &module) noexcept
+void FindBuildId(unsigned char const *notes, std::size_t size, MappedModule &module) noexcept
 {
     auto const aligned = [](std::size_t length) { return (length + 3) & ~std::size_t{3}; };
     for (std::size_t offset = 0; size - offset >= sizeof(Elf64_Nhdr);)
@@ -119,7 +119,7 @@ std::size_t MemoryMap::ReadMemory(std::uint64_t address, void *target, std::size
 
 /// Looks at the headers that are at the beginning of the file and so of the range. What they say is not
 /// trusted: this is memory of a process that may have overwritten it.
-bool MemoryMap::ReadModule(MappedRange const &range, LoadedModule &module) const noexcept
+bool MemoryMap::ReadModule(MappedRange const &range, MappedModule &module) const noexcept
 {
     Elf64_Ehdr header;
     if (ReadMemory(range.start, &header, sizeof header) != sizeof header ||
@@ -163,7 +163,7 @@ bool MemoryMap::ReadModule(MappedRange const &range, LoadedModule &module) const
     return true;
 }
 
-bool MemoryMap::FindModules(std::uint64_t entryPoint, RawArray<LoadedModule> &modules) const noexcept
+bool MemoryMap::FindModules(std::uint64_t entryPoint, RawArray<MappedModule> &modules) const noexcept
 {
     std::uint64_t end = 0;
     for (MappedRange const &first : m_ranges)
@@ -171,7 +171,7 @@ bool MemoryMap::FindModules(std::uint64_t entryPoint, RawArray<LoadedModule> &mo
         // The kernel's own library is not from a file, but a module, too.
         bool const isKernels =
             std::string_view(m_text.begin() + first.nameOffset, first.nameSize) == "[vdso]";
-        LoadedModule module{};
+        MappedModule module{};
         // The second segment of a small library may begin with the file's first page once more.
         if (first.start < end || first.offset != 0 || !first.readable || (first.inode == 0 && !isKernels) ||
             !ReadModule(first, module))

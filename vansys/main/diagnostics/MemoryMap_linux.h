@@ -24,7 +24,7 @@ struct MappedRange
 };
 
 /// A program or library in the memory of a process.
-struct LoadedModule
+struct MappedModule
 {
     std::uint64_t base;
     std::uint64_t size;
@@ -54,11 +54,11 @@ public:
     std::size_t ReadMemory(std::uint64_t address, void *target, std::size_t size) const noexcept;
 
     /// Appends the modules, by address, but first the one with `entryPoint`.
-    bool FindModules(std::uint64_t entryPoint, RawArray<LoadedModule> &modules) const noexcept;
+    bool FindModules(std::uint64_t entryPoint, RawArray<MappedModule> &modules) const noexcept;
 
 private:
     bool Parse() noexcept;
-    bool ReadModule(MappedRange const &range, LoadedModule &module) const noexcept;
+    bool ReadModule(MappedRange const &range, MappedModule &module) const noexcept;
 
     int m_memoryOwner = 0;
     RawArray<char> m_text;

@@ -402,11 +402,11 @@ bool Writer::WriteModules() noexcept
     AddStream(StreamType::LinuxAuxiliaryVector,
               {static_cast<std::uint32_t>(vector.Size()), m_file.Append(vector.begin(), vector.Size())});
 
-    RawArray<LoadedModule> modules;
+    RawArray<MappedModule> modules;
     RawArray<minidump::Module> entries;
     if (!m_map.FindModules(entryPoint, modules))
         return false;
-    for (LoadedModule const &module : modules)
+    for (MappedModule const &module : modules)
     {
         minidump::Module entry{};
         entry.base = module.base;
