@@ -9,6 +9,12 @@ install(TARGETS vansys EXPORT vansysTargets
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+if(WIN32)
+    # A map is found beside its module. Hosts make theirs as this project does.
+    install(FILES $<PATH:REPLACE_EXTENSION,LAST_ONLY,$<TARGET_FILE:vansys>,vsym> DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/SymbolMap.cmake DESTINATION ${package_dir})
+    install(PROGRAMS ${PROJECT_SOURCE_DIR}/tools/make-vsym DESTINATION ${package_dir})
+endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/vansys/public/vansys
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
     FILES_MATCHING PATTERN "*.h")

@@ -90,6 +90,16 @@ check_dlls()
     done < <("$OBJDUMP" -p "$@" | sed -n 's/.*DLL Name: //p' | sort -u)
 }
 
+# Fails unless the symbol map beside the library, which may be stripped, and the one that the host's program got
+# belong to them.
+check_symbol_maps()
+{
+    local make_vsym
+    make_vsym=$(dirname -- "$(find "$prefix" -name vansysConfig.cmake)")/make-vsym
+    "$make_vsym" --check "$prefix/bin/vansys.dll" || fail 'the symbol map of the library'
+    "$make_vsym" --check "$work/cmake/consumer.exe" || fail 'the symbol map of the program'
+}
+
 # Runs the program, given without suffix, with the library at hand.
 run_consumer()
 {
@@ -127,6 +137,7 @@ fi
 "$CMAKE" -S "$consumer" -B "$work/cmake" "${options[@]}"
 "$CMAKE" --build "$work/cmake"
 run_consumer "$work/cmake/consumer"
+[[ -z $toolchain ]] || check_symbol_maps
 
 printf '== pkg-config\n'
 PKG_CONFIG_LIBDIR=$(dirname -- "$(find "$prefix" -name vansys.pc)")

@@ -1,6 +1,7 @@
 #include "main/diagnostics/Symbols.h"
 
 #include "main/diagnostics/DebugHelp_win.h"
+#include "main/diagnostics/SymbolMaps_win.h"
 
 #include <array>
 #include <new>
@@ -136,6 +137,10 @@ Symbol LookUpSymbol(std::uintptr_t address) noexcept
         LookUpModule(symbol, address);
         LookUpFunction(symbol, address);
         LookUpLine(symbol, address);
+        // Of a module that is not described in the symbol handler's own format, it knows at most what is
+        // exported.
+        if (symbol.line == 0)
+            LookUpInSymbolMap(address, symbol);
     }
     catch (std::bad_alloc const &)
     {

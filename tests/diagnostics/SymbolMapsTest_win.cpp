@@ -1,0 +1,120 @@
+// The symbol map of vansys.dll, and those of copies of it that are not right, as the look-up finds them.
+#include "main/diagnostics/SymbolMaps_win.h"
+
+#include "main/diagnostics/SymbolMap.h"
+#include "main/platform/Windows.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using vansys::detail::LookUpInSymbolMap;
+using vansys::detail::Symbol;
+
+fs::path const Dll = VANSYS_DLL;
+
+std::uintptr_t Load(fs::path const &path)
+{
+    return reinterpret_cast<std::uintptr_t>(LoadLibraryW(path.c_str()));
+}
+
+// The list is what addr2line says. Where the debugging information has only a function's name in its scope,
+// the list has no more, either.
+TEST(SymbolMaps, KnowWhatTheDebuggingInformationSays)
+{
+    std::uintptr_t const base = Load(Dll);
+    ASSERT_NE(base, 0u);
+    std::ifstream list(VANSYS_ADDRESS_LIST);
+    int addresses = 0;
+    int fullNames = 0;
+    std::string distance, function, file, line;
+    while (std::getline(list, distance, '\t') && std::getline(list, function, '\t') &&
+           std::getline(list, file, '\t') && std::getline(list, line))
+    {
+        Symbol symbol;
+        ASSERT_TRUE(LookUpInSymbolMap(base + std::stoul(distance), symbol)) << distance;
+        EXPECT_EQ(symbol.file, file) << distance;
+        EXPECT_EQ(symbol.line, std::stoul(line)) << distance;
+        bool const isFull = symbol.fullFunction == function;
+        EXPECT_TRUE(isFull ||
+                    symbol.function.find(function.substr(0, function.find('<'))) != std::string::npos)
+            << function << " is " << symbol.fullFunction;
+        fullNames += isFull;
+        ++addresses;
+    }
+    EXPECT_EQ(addresses, 1000);
+    EXPECT_GT(fullNames, 500);
+}
+
+TEST(SymbolMaps, SayOnceWhyTheyAreIgnored)
+{
+    enum MapIs
+    {
+        Absent,
+        AFolder,
+        Changed
+    };
+    struct Row
+    {
+        char const *name;
+        MapIs map;
+        std::size_t changedAt;
+        bool isChecksumRight;
+        char const *notice;
+    };
+    constexpr Row Rows[] = {
+        {"absent", Absent, 0, false, ""},
+        {"folder", AFolder, 0, false, "(symbol map folder.vsym ignored: it cannot be read)"},
+        {"damaged", Changed, 100, false, "(symbol map damaged.vsym ignored: it is damaged)"},
+        {"later", Changed, 4, false, "(symbol map later.vsym ignored: it is of another version)"},
+        {"other.build", Changed, 16, true,
+         "(symbol map other.build.vsym ignored: it belongs to another module)"},
+    };
+    std::ifstream file(fs::path(Dll).replace_extension(".vsym"), std::ios::binary);
+    std::string const sound{std::istreambuf_iterator<char>(file), {}};
+    fs::path const folder = fs::temp_directory_path() / "vansys symbol maps";
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    std::vector<std::uintptr_t> modules;
+    for (Row const &row : Rows)
+    {
+        SCOPED_TRACE(row.name);
+        fs::path const map = folder / (std::string(row.name) + ".vsym");
+        fs::path const copy = folder / (std::string(row.name) + ".dll");
+        fs::copy_file(Dll, copy);
+        if (row.map == AFolder)
+            fs::create_directory(map);
+        if (row.map == Changed)
+        {
+            std::string bytes = sound;
+            bytes[row.changedAt] = static_cast<char>(bytes[row.changedAt] ^ 0x7F);
+            std::uint32_t const checksum = vansys::detail::Crc32(std::string_view(bytes).substr(16));
+            if (row.isChecksumRight)
+                std::memcpy(&bytes[12], &checksum, sizeof checksum);
+            std::ofstream(map, std::ios::binary) << bytes;
+        }
+        modules.push_back(Load(copy));
+        ASSERT_NE(modules.back(), 0u);
+        for (char const *const notice : {row.notice, ""})
+        {
+            Symbol symbol;
+            EXPECT_FALSE(LookUpInSymbolMap(modules.back() + 0x1000, symbol));
+            EXPECT_EQ(symbol.notice, notice);
+        }
+    }
+    for (std::uintptr_t const module : modules)
+        FreeLibrary(reinterpret_cast<HMODULE>(module));
+    fs::remove_all(folder);
+}
+
+} // namespace
