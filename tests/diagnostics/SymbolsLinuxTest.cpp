@@ -1,0 +1,275 @@
+#include "main/diagnostics/CaptureStack.h"
+#include "main/diagnostics/Symbols.h"
+
+#include "SymbolModule.h"
+#include "support/FailingAllocations.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <new>
+#include <optional>
+#include <random>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include <dlfcn.h>
+#include <link.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace vansys::detail;
+
+namespace
+{
+
+/// A folder that is removed in the end.
+class Folder
+{
+public:
+    Folder()
+    {
+        std::string name = (std::filesystem::temp_directory_path() / "vansys-symbols.XXXXXX").string();
+        m_path = mkdtemp(name.data());
+    }
+    ~Folder() { std::filesystem::remove_all(m_path); }
+    Folder(Folder const &) = delete;
+    Folder &operator=(Folder const &) = delete;
+
+    std::string operator/(char const *name) const { return m_path / name; }
+
+private:
+    std::filesystem::path m_path;
+};
+
+/// A module that is loaded, and the address of a call in it.
+class Module
+{
+public:
+    explicit Module(std::string const &path) : m_handle(dlopen(path.c_str(), RTLD_NOW))
+    {
+        if (!m_handle)
+            throw std::runtime_error(dlerror());
+        auto const outer = reinterpret_cast<SymbolModuleOuter *>(dlsym(m_handle, "symbol_module_outer"));
+        outer(
+            [](void *argument)
+            {
+                CaptureStack(static_cast<std::uintptr_t *>(argument), 2, 1);
+                asm volatile(""); // or it would be a jump, and this function not on the stack
+            },
+            m_returns.data());
+    }
+    ~Module()
+    {
+        dlclose(m_handle);
+        LookUpSymbol(1); // now what was read of the module is dropped
+    }
+    Module(Module const &) = delete;
+    Module &operator=(Module const &) = delete;
+
+    /// In the function that is not exported and has another one inlined.
+    Symbol Hidden() const { return LookUpSymbol(m_returns[0] - 1); }
+
+    /// In the exported one.
+    Symbol Exported() const { return LookUpSymbol(m_returns[1] - 1); }
+
+    std::uintptr_t Address() const { return m_returns[1] - 1; }
+
+private:
+    void *m_handle;
+    std::array<std::uintptr_t, 2> m_returns{};
+};
+
+constexpr unsigned InnerLine = 8; ///< the call in SymbolModule.cpp
+
+void Copy(std::string const &from, std::string const &to)
+{
+    // Writing into a file would change modules that are loaded from it.
+    std::filesystem::remove(to);
+    std::filesystem::copy_file(from, to);
+}
+
+std::string const WithSymbols = VANSYS_SYMBOL_MODULE;
+std::string const Other = VANSYS_OTHER_SYMBOL_MODULE;
+std::string const Stripped =
+    std::filesystem::path(WithSymbols).replace_filename("libsymbol_module_stripped.so").string();
+std::string const DebugFile =
+    std::filesystem::path(WithSymbols).replace_filename("symbol_module.debug").string();
+
+bool HasLine(Symbol const &symbol)
+{
+    return symbol.function == "probe::Outer" && symbol.line == InnerLine &&
+           std::string_view(symbol.file).ends_with("/SymbolModule.cpp");
+}
+
+/// In the bytes of a module's file. Behind it are debugging information, symbol table and section headers.
+std::size_t EndOfLoadedPart(std::string const &bytes)
+{
+    ElfW(Ehdr) file;
+    std::memcpy(&file, bytes.data(), sizeof file);
+    std::size_t end = 0;
+    for (unsigned i = 0; i < file.e_phnum; ++i)
+    {
+        ElfW(Phdr) part;
+        std::memcpy(&part, bytes.data() + file.e_phoff + i * sizeof part, sizeof part);
+        end = std::max<std::size_t>(end, part.p_type == PT_LOAD ? part.p_offset + part.p_filesz : 0);
+    }
+    return end;
+}
+
+std::ptrdiff_t CountOf(char const *folder)
+{
+    return std::distance(std::filesystem::directory_iterator(folder), {});
+}
+
+} // namespace
+
+TEST(Symbols, AreTheOutermostFunctionAndTheInnermostLine)
+{
+    for (std::string const &path : {WithSymbols, Stripped})
+    {
+        Module const module(path);
+        Symbol const symbol = module.Hidden();
+        EXPECT_TRUE(HasLine(symbol)) << symbol.function << ' ' << symbol.file << ' ' << symbol.line;
+        EXPECT_EQ(symbol.fullFunction, "probe::Outer(void (*)(void*), void*)");
+        EXPECT_EQ(symbol.imagePath, path);
+        EXPECT_EQ(symbol.module, std::filesystem::path(path).filename());
+        Dl_info info;
+        ASSERT_NE(dladdr(reinterpret_cast<void *>(module.Address()), &info), 0);
+        EXPECT_EQ(symbol.moduleBase, reinterpret_cast<std::uintptr_t>(info.dli_fbase));
+        EXPECT_EQ(module.Exported().function, "symbol_module_outer");
+    }
+    Symbol const library =
+        LookUpSymbol(reinterpret_cast<std::uintptr_t>(&dlsym)); // without debugging information
+    EXPECT_NE(library.function.find("dlsym"), std::string::npos) << library.function;
+    EXPECT_EQ(LookUpSymbol(1).module, "");
+}
+
+TEST(Symbols, AreNotThoseOfADebugFileOfAnotherBuild)
+{
+    Folder const folder;
+    std::string const path = folder / "libsymbol_module_stripped.so";
+    Copy(Stripped, path);
+    Copy(Other, folder / "symbol_module.debug");
+    Module const module(path);
+    EXPECT_EQ(module.Hidden().file, "");
+    EXPECT_EQ(module.Exported().function, "symbol_module_outer");
+}
+
+TEST(Symbols, FollowWhatIsLoaded)
+{
+    Folder const folder;
+    std::string const path = folder / "module.so";
+    std::uintptr_t address = 0;
+    for (std::string const &build : {WithSymbols, Other, WithSymbols})
+    {
+        // Each is likely to be loaded where the one before was.
+        Copy(build, path);
+        Module const module(path);
+        address = module.Address();
+        EXPECT_EQ(module.Hidden().function, build == Other ? "other::Outer" : "probe::Outer");
+    }
+    EXPECT_EQ(LookUpSymbol(address).module, "") << "the module is gone";
+
+    // The file is another one meanwhile, or there is none: what the dynamic linker has loaded still counts.
+    Copy(WithSymbols, path);
+    Module const module(path);
+    Copy(Other, path);
+    EXPECT_EQ(module.Hidden().function, "");
+    EXPECT_EQ(module.Exported().function, "symbol_module_outer");
+    std::filesystem::remove(path);
+    EXPECT_EQ(module.Exported().function, "symbol_module_outer");
+}
+
+TEST(Symbols, AreFoundOnceThereAreDescriptorsAgain)
+{
+    std::ptrdiff_t const descriptors = CountOf("/proc/self/fd");
+    Module const module(WithSymbols);
+    rlimit limit;
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &limit), 0);
+    rlimit const none{0, limit.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    Symbol const hidden = module.Hidden();
+    Symbol const exported = module.Exported();
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &limit), 0);
+    EXPECT_EQ(hidden.function, "");
+    EXPECT_EQ(exported.function, "symbol_module_outer");
+    EXPECT_TRUE(HasLine(module.Hidden()));
+    EXPECT_EQ(CountOf("/proc/self/fd"), descriptors);
+}
+
+TEST(Symbols, AreFoundOnceThereIsMemoryAgain)
+{
+    std::optional<Module> module;
+    int const failures = failEachAllocation(
+        [&]
+        {
+            module.reset();
+            module.emplace(WithSymbols);
+        },
+        [&]
+        {
+            if (!HasLine(module->Hidden()))
+                throw std::bad_alloc(); // what the look-up itself does not
+        },
+        [&] { EXPECT_TRUE(HasLine(module->Hidden())); });
+    EXPECT_GT(failures, 10);
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they map more than any limit
+
+TEST(Symbols, AreFoundOnceThereAreAddressesAgain)
+{
+    rlimit limit;
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &limit), 0);
+    long const page = sysconf(_SC_PAGESIZE);
+    bool isEnough = false;
+    int failures = 0;
+    for (rlim_t room = 0; !isEnough; room += 8192)
+    {
+        Module const module(WithSymbols);
+        rlim_t used = 0;
+        std::ifstream("/proc/self/statm") >> used;
+        rlimit const tight{used * static_cast<rlim_t>(page) + room, limit.rlim_max};
+        ASSERT_EQ(setrlimit(RLIMIT_AS, &tight), 0);
+        isEnough = HasLine(module.Hidden());
+        ASSERT_EQ(setrlimit(RLIMIT_AS, &limit), 0);
+        EXPECT_TRUE(HasLine(module.Hidden())) << room;
+        failures += !isEnough;
+    }
+    EXPECT_GT(failures, 2);
+}
+
+#endif
+
+TEST(Symbols, OfDamagedFilesDoNotEndTheProcess)
+{
+    Folder const folder;
+    std::string const path = folder / "module.so";
+    std::ifstream file(WithSymbols, std::ios::binary);
+    std::string const whole{std::istreambuf_iterator(file), {}};
+    std::size_t const debugInformation = EndOfLoadedPart(whole);
+    char const *const count = std::getenv("VANSYS_DAMAGED_FILES");
+    std::mt19937 random(1);
+    for (int i = 0; i < (count ? std::atoi(count) : 100); ++i)
+    {
+        std::string damaged = whole;
+        if (i % 8 == 0)
+            damaged.resize(debugInformation + random() % (whole.size() - debugInformation));
+        for (int changes = i % 8; changes > 0; --changes)
+            damaged[debugInformation + random() % (damaged.size() - debugInformation)] =
+                static_cast<char>(random());
+        std::filesystem::remove(path);
+        std::ofstream(path, std::ios::binary) << damaged;
+        Module const module(path);
+        std::string const function = module.Exported().function; // whatever it is
+        EXPECT_LT(module.Hidden().function.size() + function.size(), whole.size()) << i;
+    }
+}

@@ -1,0 +1,224 @@
+#include "main/diagnostics/DebugFile_linux.h"
+#include "main/diagnostics/LoadedModules_linux.h"
+#include "main/diagnostics/Symbols.h"
+#include "main/diagnostics/UndecoratedName.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <dlfcn.h>
+
+namespace vansys::detail
+{
+
+namespace
+{
+
+/// Symbols by address. Bounded: what was not asked for while `HalfSize` others were is dropped.
+class SymbolCache
+{
+public:
+    Symbol const *Find(std::uintptr_t address)
+    {
+        auto const recent = m_recent.find(address);
+        if (recent != m_recent.end())
+            return &recent->second;
+        Symbols::node_type older = m_older.extract(address);
+        if (older.empty())
+            return nullptr;
+        MakeRoom();
+        return &m_recent.insert(std::move(older)).position->second;
+    }
+
+    void Insert(std::uintptr_t address, Symbol const &symbol)
+    {
+        MakeRoom();
+        m_recent.emplace(address, symbol);
+    }
+
+    void Clear() noexcept
+    {
+        m_recent.clear();
+        m_older.clear();
+    }
+
+private:
+    using Symbols = std::unordered_map<std::uintptr_t, Symbol>;
+
+    static constexpr std::size_t HalfSize = 4096;
+
+    void MakeRoom() noexcept
+    {
+        if (m_recent.size() < HalfSize)
+            return;
+        m_older.clear();
+        m_older.swap(m_recent);
+    }
+
+    Symbols m_recent;
+    Symbols m_older;
+};
+
+/// What is known about the modules that are loaded. Used by one thread at a time.
+class SymbolTable
+{
+public:
+    std::uint64_t Generation() const noexcept { return m_generation; }
+
+    /// Takes the modules that are loaded now. Keeps what was read of those that still are.
+    void Update(LoadedModules current)
+    {
+        std::vector<std::unique_ptr<Module>> modules;
+        modules.reserve(current.modules.size());
+        for (LoadedModule &module : current.modules)
+        {
+            auto const known =
+                std::find_if(m_modules.begin(), m_modules.end(),
+                             [&module](auto const &each) { return each && each->loaded == module; });
+            if (known != m_modules.end())
+                modules.push_back(std::move(*known));
+            else
+                modules.push_back(std::make_unique<Module>(std::move(module)));
+        }
+        for (auto const &module : modules)
+            if (module->loaded.isProgram)
+                m_programBase = module->loaded.base;
+        m_cache.Clear();
+        m_modules = std::move(modules);
+        m_generation = current.generation;
+    }
+
+    /// Completes the symbol as far as it can. Returns whether the address is in the program itself.
+    bool LookUp(std::uintptr_t address, Symbol &symbol)
+    {
+        if (Symbol const *const known = m_cache.Find(address))
+        {
+            symbol = *known;
+            return symbol.moduleBase == m_programBase;
+        }
+        for (auto const &module : m_modules)
+        {
+            if (!module->loaded.Contains(address))
+                continue;
+            if (LookUpIn(*module, address, symbol))
+                m_cache.Insert(address, symbol);
+            return module->loaded.isProgram;
+        }
+        return false;
+    }
+
+private:
+    struct Module
+    {
+        explicit Module(LoadedModule module) noexcept : loaded(std::move(module)) {}
+
+        LoadedModule loaded;
+        DebugFile file;
+    };
+
+    /// Whether all that can be known was found.
+    static bool LookUpIn(Module &module, std::uintptr_t address, Symbol &symbol)
+    {
+        std::string const &path = module.loaded.path;
+        symbol.imagePath = path;
+        symbol.module = path.substr(path.rfind('/') + 1);
+        symbol.moduleBase = module.loaded.base;
+        DebugFile::Record record;
+        if (!module.file.LookUp(module.loaded, address, record))
+            return false;
+        if (record.file)
+        {
+            symbol.file = record.file;
+            symbol.line = record.line;
+        }
+        if (record.function)
+        {
+            symbol.fullFunction = Undecorate(record.function);
+            symbol.function = NameOnly(symbol.fullFunction);
+        }
+        return true;
+    }
+
+    std::vector<std::unique_ptr<Module>> m_modules;
+    SymbolCache m_cache;
+    std::uint64_t m_generation = 0;
+    std::uintptr_t m_programBase = 0;
+};
+
+/// Never destroyed: threads that outlive the statics may still look symbols up.
+struct SharedTable
+{
+    std::mutex mutex;
+    SymbolTable table;
+};
+
+SharedTable &Shared()
+{
+    static SharedTable *const shared = new SharedTable;
+    return *shared;
+}
+
+/// Returns whether the address is in the program itself.
+bool LookUpInFiles(std::uintptr_t address, Symbol &symbol)
+{
+    // The dynamic linker is asked without the mutex, as somebody who holds a lock of the linker may wait for
+    // it.
+    SharedTable &shared = Shared();
+    std::uint64_t const generation = ModuleGeneration();
+    {
+        std::lock_guard const lock(shared.mutex);
+        if (shared.table.Generation() == generation)
+            return shared.table.LookUp(address, symbol);
+    }
+    LoadedModules modules = ListModules();
+    std::lock_guard const lock(shared.mutex);
+    shared.table.Update(std::move(modules));
+    return shared.table.LookUp(address, symbol);
+}
+
+struct CloseModule
+{
+    void operator()(void *module) const noexcept { dlclose(module); }
+};
+
+/// What the dynamic linker itself knows: functions that are exported.
+void AskDynamicLinker(std::uintptr_t address, bool isInProgram, Symbol &symbol)
+{
+    // Its answer points into the module, which is therefore held.
+    std::unique_ptr<void, CloseModule> const module(
+        dlopen(isInProgram ? nullptr : symbol.imagePath.c_str(), RTLD_LAZY | RTLD_NOLOAD));
+    Dl_info info;
+    if (module && dladdr(std::bit_cast<void const *>(address), &info) != 0 && info.dli_sname)
+    {
+        symbol.fullFunction = Undecorate(info.dli_sname);
+        symbol.function = NameOnly(symbol.fullFunction);
+    }
+}
+
+} // namespace
+
+Symbol LookUpSymbol(std::uintptr_t address) noexcept
+{
+    Symbol symbol;
+    try
+    {
+        bool const isInProgram = LookUpInFiles(address, symbol);
+        if (symbol.function.empty() && !symbol.imagePath.empty())
+            AskDynamicLinker(address, isInProgram, symbol);
+    }
+    catch (std::bad_alloc const &)
+    {
+        // What was found until then is the answer.
+    }
+    return symbol;
+}
+
+} // namespace vansys::detail
