@@ -7,6 +7,7 @@ class IEvent;
 class RefCntObject;
 class TAutoResetEvent;
 class TCancelEvent;
+class TCapturedStack;
 class TCountdownEvent;
 class TEvent;
 class TFormatStringCore;

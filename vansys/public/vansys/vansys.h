@@ -26,6 +26,7 @@
 #include "vansys/TAutoResetEvent.h"
 #include "vansys/TCType.h"
 #include "vansys/TCancelEvent.h"
+#include "vansys/TCapturedStack.h"
 #include "vansys/TCodeUnit.h"
 #include "vansys/TCountdownEvent.h"
 #include "vansys/TEvent.h"
