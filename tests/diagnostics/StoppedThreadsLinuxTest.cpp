@@ -1,0 +1,331 @@
+#include "vansys/TStackWalker.h"
+
+#include "diagnostics/WalkedThread.h"
+
+#include "vansys/TEvent.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstddef>
+#include <iostream>
+#include <linux/audit.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <memory>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace walked
+{
+
+/// What the threads of a test share. Calls that fail count as disturbed.
+struct Shared
+{
+    Shared() { EXPECT_EQ(pipe(ends.data()), 0); }
+    ~Shared() { close(ends[0]); }
+
+    void End()
+    {
+        isOver = true;
+        over.Signal();
+        close(ends[1]);
+    }
+
+    std::array<int, 2> ends{};
+    TEvent over;
+    std::atomic<bool> isOver{false};
+    std::atomic<int> disturbed{0};
+    std::atomic<int> blocking{0};
+};
+
+[[gnu::noinline]] void Waiting(Shared &shared)
+{
+    shared.over.Wait();
+    KeepFrame();
+}
+
+[[gnu::noinline]] void Spinning(Shared &shared)
+{
+    while (!shared.isOver)
+    {
+    }
+}
+
+[[gnu::noinline]] void Reading(Shared &shared)
+{
+    for (char byte = 0; !shared.isOver;)
+        shared.disturbed += read(shared.ends[0], &byte, 1) < 0 ? 1 : 0;
+}
+
+[[gnu::noinline]] void Polling(Shared &shared)
+{
+    for (pollfd pipe{shared.ends[0], POLLIN, 0}; !shared.isOver;)
+        shared.disturbed += poll(&pipe, 1, -1) < 0 ? 1 : 0;
+}
+
+[[gnu::noinline]] void Napping(Shared &shared)
+{
+    timespec const nap{0, 100'000'000};
+    while (!shared.isOver)
+        shared.disturbed += nanosleep(&nap, nullptr) < 0 ? 1 : 0;
+}
+
+[[gnu::noinline]] void Blocking(Shared &shared)
+{
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, nullptr);
+    ++shared.blocking;
+    shared.over.Wait();
+    KeepFrame();
+}
+
+[[gnu::noinline]] void Handling(Shared &shared)
+{
+    static Shared *s_shared;
+    s_shared = &shared;
+    std::signal(SIGUSR1, [](int) { Waiting(*s_shared); });
+    std::raise(SIGUSR1);
+    KeepFrame();
+}
+
+} // namespace walked
+
+namespace
+{
+
+using Access = TStackWalker::ThreadAccess;
+using walked::Shared;
+
+/// Whether this machine lets a process attach to its parent. Asked without the walker.
+bool CanAttach()
+{
+    prctl(PR_SET_PTRACER, getpid(), 0, 0, 0);
+    pid_t const child = fork();
+    if (child == 0)
+        _exit(ptrace(PTRACE_SEIZE, getppid(), nullptr, nullptr) == 0 ? 0 : 1);
+    int status = 1;
+    waitpid(child, &status, 0);
+    prctl(PR_SET_PTRACER, 0, 0, 0, 0);
+    return status == 0;
+}
+
+/// Has the calling thread, and what it starts, get EPERM from the call with this number.
+void Forbid(unsigned call)
+{
+    std::array<sock_filter, 4> program{{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+                                        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1),
+                                        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EPERM),
+                                        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW)}};
+    sock_fprog const filter{static_cast<unsigned short>(program.size()), program.data()};
+    ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+    ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter), 0);
+}
+
+std::string NoAnswer(WalkedThread const &thread)
+{
+    return "(thread " + std::to_string(thread.Id()) + " did not answer)";
+}
+
+class StoppedThreads : public testing::TestWithParam<Access>
+{
+protected:
+    void SetUp() override
+    {
+        m_walker.SetThreadAccess(GetParam());
+        if (GetParam() == Access::Attach && !CanAttach())
+            GTEST_SKIP() << "this machine does not let processes attach to others";
+    }
+
+    /// Walks until the thread is seen in that function.
+    void WalkInto(WalkedThread const &thread, char const *function)
+    {
+        do
+        {
+            m_walker.Reset();
+            ASSERT_TRUE(m_walker.GenerateCallstack(thread.Id()));
+        } while (m_walker.Count(function) == 0);
+    }
+
+    RecordingWalker m_walker;
+};
+
+std::string NameOf(testing::TestParamInfo<Access> const &test)
+{
+    char const *const names[] = {"Automatic", "Attach", "Signal"};
+    return names[static_cast<int>(test.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(, StoppedThreads, testing::Values(Access::Automatic, Access::Attach, Access::Signal),
+                         NameOf);
+
+TEST_P(StoppedThreads, AreSeenFiftyAtATime)
+{
+    struct Kind
+    {
+        void (*function)(Shared &);
+        char const *name;
+    } constexpr Kinds[] = {{walked::Waiting, "!walked::Waiting"},   {walked::Reading, "!walked::Reading"},
+                           {walked::Polling, "!walked::Polling"},   {walked::Napping, "!walked::Napping"},
+                           {walked::Blocking, "!walked::Blocking"}, {walked::Spinning, "!walked::Spinning"}};
+    constexpr int PerKind = 9;
+    static std::atomic<int> s_childSignals{0};
+    std::signal(SIGCHLD, [](int) { ++s_childSignals; });
+    s_childSignals = 0;
+
+    Shared shared;
+    std::vector<std::unique_ptr<WalkedThread>> threads;
+    for (Kind const &kind : Kinds)
+    {
+        for (int i = 0; i < PerKind; ++i)
+        {
+            threads.push_back(std::make_unique<WalkedThread>([&] { kind.function(shared); }));
+            if (kind.function != walked::Blocking)
+                WalkInto(*threads.back(), kind.name);
+        }
+    }
+    while (shared.blocking < PerKind)
+        std::this_thread::yield();
+    int const disturbedBefore = shared.disturbed;
+    m_walker.Reset();
+    auto const start = std::chrono::steady_clock::now();
+    bool const result = m_walker.GenerateCallstacksForAllThreads();
+    auto const duration = std::chrono::steady_clock::now() - start;
+
+    bool const isBySignal = GetParam() == Access::Signal;
+    EXPECT_FALSE(result && isBySignal);
+    for (Kind const &kind : Kinds)
+        EXPECT_EQ(m_walker.Count(kind.name), isBySignal && kind.function == walked::Blocking ? 0 : PerKind)
+            << m_walker.Text();
+    for (int i = 0; i < PerKind; ++i)
+        EXPECT_EQ(m_walker.Count(NoAnswer(*threads[static_cast<std::size_t>(4 * PerKind + i)])),
+                  isBySignal ? 1 : 0);
+    EXPECT_LT(duration, std::chrono::seconds(8)); // one limit for all, and much time for a busy machine
+    std::cout << duration / std::chrono::milliseconds(1) << " ms for all threads\n";
+    EXPECT_TRUE(GetParam() != Access::Attach || shared.disturbed == disturbedBefore);
+
+    shared.End();
+    threads.clear();
+    EXPECT_EQ(s_childSignals, 0);
+    std::signal(SIGCHLD, SIG_DFL);
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG | __WALL), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST_P(StoppedThreads, AreSeenInHandlersWithoutTheTrampoline)
+{
+    Shared shared;
+    {
+        WalkedThread const thread([&] { walked::Handling(shared); });
+        WalkInto(thread, "!walked::Waiting");
+        EXPECT_EQ(m_walker.Count("!walked::Handling"), 1) << m_walker.Text();
+        EXPECT_EQ(m_walker.Count("restore_rt"), 0) << m_walker.Text();
+        EXPECT_EQ(m_walker.Count("sigaction"), 0) << m_walker.Text();
+        shared.End();
+    }
+}
+
+TEST_P(StoppedThreads, NeedFilesToBeListed)
+{
+    Shared shared;
+    {
+        WalkedThread const thread([&] { walked::Waiting(shared); });
+        WalkInto(thread, "!walked::Waiting");
+        rlimit before{};
+        getrlimit(RLIMIT_NOFILE, &before);
+        rlimit const none{0, before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &none);
+        m_walker.Reset();
+        EXPECT_FALSE(m_walker.GenerateCallstacksForAllThreads());
+        EXPECT_TRUE(m_walker.GetCallstack().empty());
+        EXPECT_TRUE(m_walker.GenerateCallstack(thread.Id()));
+        EXPECT_EQ(m_walker.Count("!walked::Waiting"), 1) << m_walker.Text();
+        setrlimit(RLIMIT_NOFILE, &before);
+        EXPECT_TRUE(m_walker.GenerateCallstacksForAllThreads() || GetParam() == Access::Signal);
+        shared.End();
+    }
+}
+
+TEST(StoppedThreadsBySignal, MayAnswerLate)
+{
+    TEvent blocked;
+    TEvent unblock;
+    TEvent unblocked;
+    TEvent end;
+    WalkedThread const thread(
+        [&]
+        {
+            sigset_t all;
+            sigset_t before;
+            sigfillset(&all);
+            for (int round = 0; round < 2; ++round)
+            {
+                pthread_sigmask(SIG_SETMASK, &all, &before);
+                blocked.Signal();
+                unblock.Wait();
+                unblock.Reset();
+                pthread_sigmask(SIG_SETMASK, &before, nullptr);
+                unblocked.Signal();
+            }
+            end.Wait();
+        });
+    RecordingWalker walker;
+    walker.SetThreadAccess(Access::Signal);
+    for (int round = 0; round < 2; ++round)
+    {
+        blocked.Wait();
+        blocked.Reset();
+        EXPECT_FALSE(walker.GenerateCallstack(thread.Id()));
+        EXPECT_FALSE(walker.GenerateCallstack(thread.Id())); // asks nothing new
+        EXPECT_TRUE(walker.GetCallstack().empty());
+        unblock.Signal();
+        unblocked.Wait();
+        unblocked.Reset();
+    }
+    EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
+    EXPECT_FALSE(walker.GetCallstack().empty());
+    end.Signal();
+}
+
+TEST(StoppedThreadsInSandboxes, AreAskedBySignalAndReadWithoutCalls)
+{
+    if (!CanAttach())
+        GTEST_SKIP() << "this machine does not let processes attach to others";
+    Shared shared;
+    {
+        WalkedThread const thread([&] { walked::Waiting(shared); });
+        RecordingWalker walker;
+        while (walker.Count("!walked::Waiting") == 0)
+            walker.GenerateCallstack(thread.Id());
+        walker.Reset();
+        std::thread(
+            [&]
+            {
+                Forbid(SYS_process_vm_readv);
+                walker.SetThreadAccess(Access::Attach);
+                EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
+                EXPECT_EQ(walker.Count("!walked::Waiting"), 1) << walker.Text();
+                Forbid(SYS_ptrace);
+                EXPECT_FALSE(walker.GenerateCallstack(thread.Id()));
+                walker.SetThreadAccess(Access::Automatic);
+                EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
+                EXPECT_EQ(walker.Count("!walked::Waiting"), 2) << walker.Text();
+            })
+            .join();
+        shared.End();
+    }
+}
+
+} // namespace
