@@ -156,6 +156,7 @@ private:
                         m_memory.push_back(range);
                         m_contents.push_back(contents);
                         m_report.memorySize += range.size;
+                        ++m_report.memoryParts;
                     });
         Require(found, "memory is there");
         RequireApart(m_memory, "memory is there once");
@@ -193,17 +194,24 @@ private:
                         Require(id && m_contexts.emplace(id, context.start).second, "ids are unique");
                         m_report.threads.push_back({id, ReadContext(context)});
                         Part const contents = Locate(entry + 32);
-                        CheckStack({Get<std::uint64_t>(entry + 24), contents.size}, contents,
-                                   m_report.threads.back().stackPointer);
+                        CheckStack(m_report.threads.back(), {Get<std::uint64_t>(entry + 24), contents.size},
+                                   contents);
                     });
         Require(found && !m_contexts.empty(), "threads are there");
     }
 
-    void CheckStack(Part stack, Part contents, std::uint64_t pointer) const
+    void CheckStack(MinidumpReport::Thread const &thread, Part stack, Part contents)
     {
         if (!m_isLinux && stack.size == 0)
             return;
-        Require(stack.Holds({pointer, 8}), "the stack pointer is in the stack");
+        auto const hasCrashed = [&](std::uint64_t exception) {
+            return Get<std::uint32_t>(exception) == thread.id &&
+                   Get<std::uint32_t>(exception + 8) != 0xFFFFFFFF;
+        };
+        bool const mayBeExhausted = m_streams.count(6) && hasCrashed(m_streams[6].start);
+        Require(stack.Holds({thread.stackPointer, 8}) ||
+                    (mayBeExhausted && stack.start - thread.stackPointer <= 1 << 20),
+                "the stack pointer is in the stack");
         bool isMemory = false;
         for (std::size_t i = 0; i < m_memory.size(); ++i)
             isMemory |= m_memory[i].Holds(stack) && m_contents[i].Holds(contents) &&

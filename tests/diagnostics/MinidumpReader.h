@@ -21,6 +21,7 @@ struct MinidumpReport
     std::uint32_t exceptionCode = 0;
     std::uint32_t exceptionThread = 0;
     std::uint64_t exceptionAddress = 0;
+    std::size_t memoryParts = 0;
     std::uint64_t memorySize = 0;
     std::vector<Thread> threads;
     std::vector<std::string> modules; ///< names; others than ASCII characters as `?`

@@ -2,7 +2,9 @@
 /// TStackWalker: the call stacks of the threads of this process, as text.
 #pragma once
 
+#include "vansys/CrashDumpType.h"
 #include "vansys/Export.h"
+#include "vansys/TCodeUnit.h"
 #include "vansys/TProcessHandle.h"
 #include "vansys/TStackWalkerBase.h"
 
@@ -141,6 +143,31 @@ public:
     /// Has the modules of the process ready for the look-up of symbols. Every walk does that first. Further
     /// calls take account of modules that were loaded since. False when the symbol handler cannot be started.
     bool LoadModules();
+
+    /// Writes what the threads of a process are doing to a file in the format of Windows's minidumps, which
+    /// debuggers, lldb for one, open on any system. `process` and `processId` have to name the same process,
+    /// which may be the calling one. Returns 0 on failure. Any thread may call it.
+    ///
+    /// **Windows:** the debug-help library writes, and its result is returned. It wants nothing else to use
+    /// it at the same time. The file is made, in place of one that has its name, before anything is written,
+    /// and stays as it is when writing fails.
+    ///
+    /// **Linux:** the file has the threads with their registers and the innermost 60 KiB of their stacks, the
+    /// modules with their build ids, and /proc's files `maps`, `status` and `auxv`. It appears under its name
+    /// when it is complete, for its owner only, and replaces a file that has the name; on failure, nothing is
+    /// left behind. A back slash in the name is a slash, and a lone unit from U+DC80 to U+DCFF is the byte in
+    /// its low half; other lone surrogates are a failure.
+    ///
+    /// All threads of the process stand still meanwhile, the calling one included; how their calls of the
+    /// system go on is as with `ThreadAccess::Attach`. A thread that does not stop within a second is left
+    /// out. Another process has to be one that the calling one may attach to as debuggers do. Dumps of the
+    /// calling process take turns, and the child that writes them is not seen by the host; where the system
+    /// allows attaching for ancestors only (Yama), the process names it with `PR_SET_PTRACER`, and nobody
+    /// afterwards.
+    static int WriteCrashDump(TProcessHandle process, unsigned processId, TCodeUnit const *fileName,
+                              CrashDumpType type);
+    static int WriteCrashDump(TProcessHandle process, unsigned processId, TWideTwin const *fileName,
+                              CrashDumpType type);
 
 protected:
     /// Makes a line of one frame and gives it to `OnOutput`, unless the frame is the last one, has the
