@@ -38,6 +38,21 @@ bool AppendFrame(std::string &text, unsigned number, std::uintptr_t returnAddres
     return stack;
 }
 
+[[gnu::noinline]] TCapturedStack TCapturedStack::CaptureFrom(void const *returnAddress) noexcept
+{
+    constexpr std::size_t MaxSkipped = 16;
+    std::array<std::uintptr_t, MaxSkipped + MaxFrames> frames;
+    std::size_t const count = CaptureStack(frames.data(), frames.size(), 1);
+    auto const end = frames.begin() + static_cast<std::ptrdiff_t>(count);
+    auto begin = std::find(frames.begin(), end, reinterpret_cast<std::uintptr_t>(returnAddress));
+    if (begin == end)
+        begin = frames.begin();
+    TCapturedStack stack;
+    stack.m_count = std::min(static_cast<std::size_t>(end - begin), MaxFrames);
+    std::copy_n(begin, stack.m_count, stack.m_frames.begin());
+    return stack;
+}
+
 std::vector<std::string> TCapturedStack::Lines() const
 {
     std::vector<std::string> lines;

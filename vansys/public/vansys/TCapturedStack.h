@@ -43,6 +43,11 @@ public:
     /// `MaxFrames`, of them. With `skip` 0, the first one is the function that calls this.
     static TCapturedStack Capture(std::size_t skip = 0, std::size_t maxFrames = MaxFrames) noexcept;
 
+    /// The stack of the calling thread, beginning with the frame that `returnAddress` returns to: the caller
+    /// of a function is what `__builtin_return_address(0)` in it says, wherever that captures. Where no frame
+    /// returns there, it begins with the function that calls this.
+    static TCapturedStack CaptureFrom(void const *returnAddress) noexcept;
+
     std::size_t FrameCount() const noexcept { return m_count; }
     bool IsEmpty() const noexcept { return m_count == 0; }
 

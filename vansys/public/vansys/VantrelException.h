@@ -4,6 +4,7 @@
 
 #include "vansys/Export.h"
 #include "vansys/Forward.h"
+#include "vansys/TCapturedStack.h"
 #include "vansys/TStringCore.h"
 
 #include <exception>
@@ -26,12 +27,14 @@
 /// A class derived from it adds no data, and overrides `Clone` and `Throw` for its own type, so that whoever
 /// holds a `VantrelException *` re-throws the right type: `VantrelExceptionOf` does that for it.
 ///
+/// On request, an exception knows where it was made: `CaptureCallStacks`.
+///
 /// A failing allocation while a message is added is `std::bad_alloc` (or `TStringCore::Exception` when it was
 /// the text that could not be made), and leaves the exception object as it was.
 class VANSYS_API VantrelException
 {
 public:
-    /// Copies both stacks.
+    /// Copies both stacks, and has the call stack of the other one.
     VantrelException(VantrelException const &other);
 
     /// The messages are a copy of the list, empty ones included; nothing is redacted.
@@ -53,7 +56,7 @@ public:
 
     explicit VantrelException(TWideTwin const *message) : VantrelException(TStringCore(message)) {}
 
-    /// Copies both stacks; on failure, neither is changed.
+    /// Copies both stacks, and has the call stack of the other one; on failure, nothing is changed.
     VantrelException &operator=(VantrelException const &other);
 
     virtual ~VantrelException();
@@ -116,6 +119,20 @@ public:
     /// A copy of the messages, in order.
     std::vector<TStringCore> GetMessagesVector() const;
 
+    /// Whether exceptions that are made from now on, those of derived classes included, capture the call
+    /// stack. Of the whole process, and off at first, as it makes each of them some microseconds slower and a
+    /// kilobyte larger. Any thread may call it at any time. What was captured stays until the exceptions are
+    /// gone.
+    static void CaptureCallStacks(bool capture) noexcept;
+
+    /// What the last `CaptureCallStacks` set; false before.
+    static bool CapturesCallStacks() noexcept;
+
+    /// Where the exception was made: the first frame is the function that called the constructor of this
+    /// class, or the one of a derived class. Copies, which `Clone` and `Throw` make, have that of the
+    /// original. Empty when it was not to be captured then, or when there was no memory for it.
+    TCapturedStack CallStack() const noexcept;
+
     /// Sets `out` to the text of `what()`, read in the platform's default code page
     /// (`TStringCore::fromLocal8Bit`), or as UTF-8 should that fail.
     static void ToString(std::exception const &exception, TStringCore &out);
@@ -125,9 +142,17 @@ protected:
     VantrelException();
 
 private:
+    struct Caller
+    {
+        void const *returnAddress; ///< null: nothing is captured
+    };
+
+    explicit VantrelException(Caller caller);
+
     // Owned, never null. Behind plain pointers, so that the layout does not depend on the standard library.
     std::list<TStringCore> *m_messages;
     std::list<TStringCore> *m_redactedMessages;
+    // The call stacks are in a table beside the objects: those that have none are no larger for it.
 };
 
 /// To be called inside a catch block only (elsewhere it ends the process, as `throw;` does). Re-throws the

@@ -3,9 +3,12 @@
 #include "vansys/VantrelOutOfMemoryException.h"
 #include "vansys/VantrelUserErrorException.h"
 
+#include "main/vansys/failure/ExceptionStacks.h"
+
 #include <memory>
 #include <utility>
 
+using vansys::detail::ExceptionStacks;
 using Messages = std::list<TStringCore>;
 
 namespace
@@ -20,27 +23,40 @@ struct Stacks
 
 } // namespace
 
-VantrelException::VantrelException() : m_messages(nullptr), m_redactedMessages(nullptr)
+// The constructors are entered by calls, never inlined: their return address tells where the call stack
+// begins.
+
+VantrelException::VantrelException(Caller caller) : m_messages(nullptr), m_redactedMessages(nullptr)
 {
     Stacks stacks;
     m_messages = stacks.messages.release();
     m_redactedMessages = stacks.redacted.release();
+    if (ExceptionStacks::IsOn() && caller.returnAddress)
+        ExceptionStacks::Capture(*this, caller.returnAddress);
+}
+
+[[gnu::noinline]] VantrelException::VantrelException() : VantrelException(Caller{__builtin_return_address(0)})
+{
 }
 
 // Each of the following delegates first: from there on the destructor frees the lists if filling them fails.
 
-VantrelException::VantrelException(VantrelException const &other) : VantrelException()
+VantrelException::VantrelException(VantrelException const &other) : VantrelException(Caller{nullptr})
 {
     *m_messages = *other.m_messages;
     *m_redactedMessages = *other.m_redactedMessages;
+    if (ExceptionStacks::AreThere())
+        ExceptionStacks::Copy(other, *this);
 }
 
-VantrelException::VantrelException(std::list<TStringCore> const &messages) : VantrelException()
+[[gnu::noinline]] VantrelException::VantrelException(std::list<TStringCore> const &messages)
+    : VantrelException(Caller{__builtin_return_address(0)})
 {
     *m_messages = messages;
 }
 
-VantrelException::VantrelException(TStringCore const &message) : VantrelException()
+[[gnu::noinline]] VantrelException::VantrelException(TStringCore const &message)
+    : VantrelException(Caller{__builtin_return_address(0)})
 {
     StackMessage(message);
 }
@@ -51,13 +67,32 @@ VantrelException &VantrelException::operator=(VantrelException const &other)
     Messages redacted = *other.m_redactedMessages;
     m_messages->swap(messages);
     m_redactedMessages->swap(redacted);
+    if (ExceptionStacks::AreThere())
+        ExceptionStacks::Copy(other, *this);
     return *this;
 }
 
 VantrelException::~VantrelException()
 {
+    if (ExceptionStacks::AreThere())
+        ExceptionStacks::Remove(*this);
     delete m_messages;
     delete m_redactedMessages;
+}
+
+void VantrelException::CaptureCallStacks(bool capture) noexcept
+{
+    ExceptionStacks::SwitchOn(capture);
+}
+
+bool VantrelException::CapturesCallStacks() noexcept
+{
+    return ExceptionStacks::IsOn();
+}
+
+TCapturedStack VantrelException::CallStack() const noexcept
+{
+    return ExceptionStacks::AreThere() ? ExceptionStacks::Find(*this) : TCapturedStack();
 }
 
 VantrelException *VantrelException::Clone() const
@@ -106,7 +141,11 @@ void VantrelException::StackMessageFront(TStringCore const &message)
 
 void VantrelException::SetMessage(TStringCore const &message)
 {
-    *this = VantrelException(message);
+    Messages messages;
+    if (!message.isEmpty())
+        messages.push_back(message);
+    m_messages->swap(messages);
+    m_redactedMessages->clear();
 }
 
 std::vector<TStringCore> VantrelException::GetMessagesVector() const

@@ -41,12 +41,16 @@ TStringCore TextOf(std::exception const &exception)
 
 } // namespace
 
-VantrelException::VantrelException(TFormatStringCore const &message) : VantrelException()
+// Never inlined, as the other constructors are not.
+
+[[gnu::noinline]] VantrelException::VantrelException(TFormatStringCore const &message)
+    : VantrelException(Caller{__builtin_return_address(0)})
 {
     StackMessage(message);
 }
 
-VantrelException::VantrelException(std::exception const &exception) : VantrelException()
+[[gnu::noinline]] VantrelException::VantrelException(std::exception const &exception)
+    : VantrelException(Caller{__builtin_return_address(0)})
 {
     StackMessage(TextOf(exception));
 }
