@@ -65,5 +65,6 @@ void AddNumberRows(Rows &rows);
 void AddFormatRows(Rows &rows);
 void AddLockRows(Rows &rows);
 void AddEventRows(Rows &rows);
+void AddCrashDumpRows(Rows &rows);
 
 } // namespace bench

@@ -41,6 +41,7 @@ int main(int argc, char **argv)
     bench::AddFormatRows(rows);
     bench::AddLockRows(rows);
     bench::AddEventRows(rows);
+    bench::AddCrashDumpRows(rows);
 
     bench::RatioReporter reporter(rows);
     if (benchmark::RunSpecifiedBenchmarks(&reporter) == 0) // it has said that nothing matches the filter
