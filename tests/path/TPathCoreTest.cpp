@@ -1,13 +1,12 @@
 #include "vansys/TPathCore.h"
 
+#include "path/PathContradiction.h"
 #include "support/FailureMessage.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <functional>
+#include <filesystem>
 #include <iterator>
-#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -39,23 +38,11 @@ TStringCore Describe(Path const &path)
         kind.append(isSet ? letter : "");
     if (path.IsAdminShare())
         kind.append(path.AdminShareDriveLetter());
-    else
-        EXPECT_EQ(path.AdminShareDriveLetter(), 0xFFFF);
-    EXPECT_EQ(path.HasRootName(), !path.RootName().IsEmpty());
-    EXPECT_EQ(path.HasRootDirectory(), !path.RootDirectory().IsEmpty());
-    EXPECT_EQ(path.HasRootPath(), path.HasRootName() || path.HasRootDirectory());
-    EXPECT_EQ(path.RootPath().GenericString(), path.RootName().Append(path.RootDirectory()).GenericString());
-    EXPECT_EQ(path.HasParentPath(), !path.Parent().IsEmpty());
-    std::vector<TStringCore> const elements = path.toVector();
-    EXPECT_EQ(path.size(), static_cast<int>(elements.size()));
-    std::vector<TStringCore> backward;
-    for (auto element = path.end(); element != path.begin();)
-        backward.push_back(*--element);
-    EXPECT_TRUE(std::equal(elements.rbegin(), elements.rend(), backward.begin(), backward.end()));
+    EXPECT_EQ(FindContradiction(path), nullptr);
     return TStringCore::join({path.RootName().GenericString(), path.RootDirectory().GenericString(),
                               path.Parent().GenericString(), path.Filename().GenericString(),
                               path.Stem().GenericString(), path.Extension(), kind, path.UNCShareName(),
-                              path.UNCObjectName(), TStringCore::join(elements, u" ")},
+                              path.UNCObjectName(), TStringCore::join(path.toVector(), u" ")},
                              u"|");
 }
 
@@ -225,6 +212,22 @@ TEST(TPathCore, ComparesWithAndWithoutCase)
     EXPECT_EQ((std::unordered_set<Path, PathHashExact, PathEqualExact>{lower, upper, other, lower}.size()),
               3u);
     EXPECT_NE(std::hash<Path>()(upper), std::hash<Path>()(other));
+}
+
+TEST(TPathCore, HasLongAndShortNamesOnDisk)
+{
+    Path const folder = std::filesystem::current_path().u16string().c_str();
+    TStringCore const name = folder.NativeLongPath();
+    EXPECT_EQ(Path(name), folder);
+    EXPECT_EQ(Path(Path(folder.NativeShortPath()).NativeLongPath()), folder);
+    EXPECT_EQ((folder / u"none" / u"x.y").NativeLongPath(), TStringCore(name).append(u"\\none\\x.y"));
+    EXPECT_EQ(Path(u"//?/").Concat(u"/").Concat(folder).NativeLongPath(),
+              TStringCore(u"\\\\?\\").append(name));
+    EXPECT_EQ(Path().NativeLongPath(), u"");
+    EXPECT_EQ((folder / TStringCore(u"a\0b", 3)).NativeShortPath(), u"");
+    bool const isKnown =
+        std::filesystem::path::preferred_separator == '/'; // what the system says of such a name
+    EXPECT_TRUE((folder / TStringCore(u'x', 300)).NativeLongPath().isEmpty() || !isKnown);
 }
 
 TEST(TPathCoreIterator, StepsAndReportsItsEnds)

@@ -4,6 +4,7 @@
 #pragma once
 
 class IEvent;
+class PathElements;
 class RefCntObject;
 class TAutoResetEvent;
 class TCancelEvent;

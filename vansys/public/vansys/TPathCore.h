@@ -162,10 +162,15 @@ public:
     bool empty() const noexcept { return m_text.isEmpty(); }
 
     // Elements: the root name, the root directory, and each name between separators. "C:/a//b" has the
-    // elements "C:", "/", "a" and "b". See TPathCoreIterator.h; `Elements` gives the same without allocating.
+    // elements "C:", "/", "a" and "b". See TPathCoreIterator.h.
 
     /// The number of elements.
     int size() const noexcept;
+
+    /// The elements as views, for walking in either direction: quicker than the iterators, which copy each.
+    /// They refer to this path, which must not be a temporary one.
+    inline PathElements Elements() const &noexcept; // in PathElements.h
+    PathElements Elements() const && = delete;
 
     iterator begin() const;
     iterator end() const;
@@ -315,14 +320,12 @@ private:
 
     void makeGeneric();
     void removeTrailingSeparator();
-    TPathCore left(int length) const;
+    TPathCore part(int position, int count) const;
 
     // Positions in the text; -1 where there is none.
 
     int RootNameLength() const noexcept;
     int RootDirectoryIndex() const noexcept;
-    bool HasLeadingSeparator() const noexcept;
-    bool HasTrailingSeparator() const noexcept;
     int FilenameIndex() const noexcept;
     int ExtensionIndex() const noexcept;
     int UNCObjectNameIndex() const noexcept;
@@ -337,6 +340,7 @@ private:
 
 static_assert(sizeof(TPathCore) == sizeof(TStringCore));
 
+#include "vansys/PathElements.h"
 #include "vansys/TPathCoreException.h"
 #include "vansys/TPathCoreIterator.h"
 #include "vansys/TPathCoreOperators.h"

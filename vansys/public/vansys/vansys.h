@@ -21,6 +21,7 @@
 #include "vansys/ICUVersion.h"
 #include "vansys/IEvent.h"
 #include "vansys/NumberFunctions.h"
+#include "vansys/PathElements.h"
 #include "vansys/ReferenceCount.h"
 #include "vansys/StringFunctions.h"
 #include "vansys/TAutoResetEvent.h"

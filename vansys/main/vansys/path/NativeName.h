@@ -20,8 +20,8 @@ enum class NameAnswer
     Failed
 };
 
-/// Asks for the form of every name in a path, which is in the native form and begins with "\\?\" as a rule.
-/// `text` receives the path in that form; it is left alone unless the answer is `Known`.
+/// Asks for the form of every name in a path, which is in the native form, has no zero unit, and begins with
+/// "\\?\" as a rule. `text` receives the path in that form; it is left alone unless the answer is `Known`.
 NameAnswer AskNativeName(NameForm form, TStringCore const &native, TStringCore &text);
 
 } // namespace vansys::detail

@@ -16,10 +16,8 @@ NameAnswer AskNativeName(NameForm /*form*/, TStringCore const &native, TStringCo
     std::u16string_view name = native;
     if (constexpr std::u16string_view prefix = u"\\\\?\\"; name.substr(0, prefix.size()) == prefix)
         name.remove_prefix(prefix.size());
-    std::string bytes = TStringCore(name).replace(u"\\", u"/").toStdString();
-    if (bytes.find('\0') != std::string::npos)
-        return NameAnswer::Failed; // the system would look at what comes before it
-    struct stat status;            // NOLINT(cppcoreguidelines-pro-type-member-init): the system writes it
+    std::string const bytes = TStringCore(name).replace(u"\\", u"/").toStdString();
+    struct stat status; // NOLINT(cppcoreguidelines-pro-type-member-init): the system writes it
     if (lstat(bytes.c_str(), &status) != 0)
         return errno == ENOENT || errno == ENOTDIR ? NameAnswer::NoSuchFile : NameAnswer::Failed;
     text = native;

@@ -16,17 +16,51 @@ constexpr int DriveLength = 2;     ///< "C:"
 constexpr int PrefixLength = 4;    ///< "//?/"
 constexpr int UncPrefixLength = 8; ///< "//?/UNC/"
 
-/// The first such unit, or the length.
-int FindUnit(TCodeUnit const *units, int length, TCodeUnit unit) noexcept
+/// A lane is set where a unit is the one sought.
+std::uint32_t LanesWith(UnitVector sought, TCodeUnit const *units) noexcept
 {
+    return LaneBits(LoadUnits(units) == sought);
+}
+
+/// The first such unit, or the length.
+int FindFirst(TCodeUnit const *units, int length, TCodeUnit unit) noexcept
+{
+    UnitVector const sought = Spread(unit);
     int i = 0;
-    for (UnitVector const sought = Spread(unit); length - i >= LanesOfVector; i += LanesOfVector)
+    for (; length - i >= LanesOfVector; i += LanesOfVector)
     {
-        if (std::uint32_t const bits = LaneBits(LoadUnits(units + i) == sought))
+        if (std::uint32_t const bits = LanesWith(sought, units + i))
             return i + FirstLane(bits);
+    }
+    if (i < length && length >= LanesOfVector)
+    {
+        // One more vector ends with the text. What it begins with is known to be something else.
+        i = length - LanesOfVector;
+        std::uint32_t const bits = LanesWith(sought, units + i);
+        return bits ? i + FirstLane(bits) : length;
     }
     while (i < length && units[i] != unit)
         ++i;
+    return i;
+}
+
+/// Behind the last such unit; 0 when there is none.
+int FindBehindLast(TCodeUnit const *units, int length, TCodeUnit unit) noexcept
+{
+    UnitVector const sought = Spread(unit);
+    int i = length;
+    for (; i >= LanesOfVector; i -= LanesOfVector)
+    {
+        if (std::uint32_t const bits = LanesWith(sought, units + i - LanesOfVector))
+            return i - LanesOfVector + LastLane(bits) + 1;
+    }
+    if (i > 0 && length >= LanesOfVector)
+    {
+        std::uint32_t const bits = LanesWith(sought, units);
+        return bits ? LastLane(bits) + 1 : 0;
+    }
+    while (i > 0 && units[i - 1] != unit)
+        --i;
     return i;
 }
 
@@ -52,7 +86,7 @@ bool PathText::IsDriveAt(int position) const noexcept
 
 int PathText::NextSeparator(int position) const noexcept
 {
-    return position + FindUnit(m_units + position, m_length - position, Separator);
+    return position + FindFirst(m_units + position, m_length - position, Separator);
 }
 
 int PathText::SkipSeparators(int position) const noexcept
@@ -77,7 +111,7 @@ bool PathText::IsUNC() const noexcept
     return m_length >= UncPrefixLength && EqualsWithoutCase(m_units + 3, "/unc/");
 }
 
-int PathText::RootNameLength() const noexcept
+int PathText::LengthOfRootName() const noexcept
 {
     if (IsDriveAt(0))
         return DriveLength;
@@ -88,12 +122,6 @@ int PathText::RootNameLength() const noexcept
     if (m_units[2] != u'?')
         return NextSeparator(2);
     return IsUNC() ? NextSeparator(UncPrefixLength) : 0;
-}
-
-int PathText::RootPathLength() const noexcept
-{
-    int const rootName = RootNameLength();
-    return IsSeparatorAt(rootName) ? rootName + 1 : rootName;
 }
 
 int PathText::ShareNameIndex() const noexcept
@@ -123,14 +151,11 @@ bool PathText::IsAdminShare() const noexcept
 
 int PathText::FilenameIndex() const noexcept
 {
-    int const colon = FindUnit(m_units, m_length, u':');
+    int const colon = FindFirst(m_units, m_length, u':');
     int const first = SkipSeparators(colon < m_length ? colon + 1 : 0);
     if (first == m_length)
         return -1;
-    int index = m_length;
-    while (index > first && m_units[index - 1] != Separator)
-        --index;
-    return index;
+    return first + FindBehindLast(m_units + first, m_length - first, Separator);
 }
 
 int PathText::ExtensionIndex() const noexcept
@@ -140,12 +165,8 @@ int PathText::ExtensionIndex() const noexcept
         return -1;
     while (first < m_length && m_units[first] == u'.')
         ++first;
-    for (int dot = m_length - 1; dot > first; --dot)
-    {
-        if (m_units[dot] == u'.')
-            return dot + 1;
-    }
-    return -1;
+    int const behindDot = FindBehindLast(m_units + first, m_length - first, u'.');
+    return behindDot > 0 ? first + behindDot : -1;
 }
 
 int PathText::LengthWithoutFilename(int filename, int rootName) const noexcept

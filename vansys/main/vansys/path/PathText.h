@@ -32,11 +32,22 @@ public:
 
     bool EndsWithSeparator() const noexcept { return IsSeparatorAt(m_length - 1); }
 
-    int RootNameLength() const noexcept;
+    int RootNameLength() const noexcept
+    {
+        // Most paths are known to have none by their first two units.
+        if (m_length < 2 || (m_units[1] != u':' && (m_units[0] != Separator || m_units[1] != Separator)))
+            return 0;
+        return LengthOfRootName();
+    }
+
     int RootDirectoryIndex() const noexcept { return RootDirectoryIndexBehind(RootNameLength()); }
 
     /// Of the root name and the root directory.
-    int RootPathLength() const noexcept;
+    int RootPathLength() const noexcept
+    {
+        int const rootName = RootNameLength();
+        return IsSeparatorAt(rootName) ? rootName + 1 : rootName;
+    }
 
     bool IsExtendedLength() const noexcept;
     bool IsUNC() const noexcept;
@@ -72,6 +83,8 @@ private:
     }
 
     int LengthWithoutFilename(int filename, int rootName) const noexcept;
+
+    int LengthOfRootName() const noexcept;
 
     bool IsDriveAt(int position) const noexcept;
 

@@ -14,39 +14,93 @@ using namespace vansys::detail;
 namespace
 {
 
+/// Calls `action` with the position of each vector of a text that has at least as many units. The last one
+/// ends with the text, and may overlap the one before.
+template <class Action>
+void ForEachVector(int length, Action action)
+{
+    for (int i = 0; i < length - LanesOfVector; i += LanesOfVector)
+        action(i);
+    action(length - LanesOfVector);
+}
+
+/// Copies the units of a name, which tends to be short.
+void CopyName(TCodeUnit *to, TCodeUnit const *from, int count) noexcept
+{
+    if (count < LanesOfVector || count > 8 * LanesOfVector)
+        CopyUnits(to, from, count);
+    else
+        ForEachVector(count, [=](int i) { StoreUnits(to + i, LoadUnits(from + i)); });
+}
+
 /// Copies the units, with each `before` replaced by `after`; in place where both are the same memory.
 void ReplaceUnit(TCodeUnit *to, TCodeUnit const *from, int count, TCodeUnit before, TCodeUnit after) noexcept
 {
-    auto const replaceVector = [&](int i)
+    if (count < LanesOfVector)
+    {
+        std::replace_copy(from, from + count, to, before, after);
+        return;
+    }
+    auto const replace = [=](int i)
     {
         UnitVector const units = LoadUnits(from + i);
         UnitVector const isBefore = units == Spread(before);
         StoreUnits(to + i, (Spread(after) & isBefore) | (units & ~isBefore));
     };
-    int i = 0;
-    for (; count - i >= LanesOfVector; i += LanesOfVector)
-        replaceVector(i);
-    if (i < count && count >= LanesOfVector)
-    {
-        replaceVector(count - LanesOfVector);
-        return;
-    }
-    for (; i < count; ++i)
-        to[i] = from[i] == before ? after : from[i];
+    ForEachVector(count, replace);
 }
 
-/// Replaces in the string, which is left as it is, and shared, where there is nothing to replace.
-void ReplaceUnit(TStringCore &text, TCodeUnit before, TCodeUnit after)
+bool Contains(TCodeUnit const *units, int count, TCodeUnit unit) noexcept
 {
-    if (TStringCore::findChar(text.constData(), text.length(), before) >= 0)
-        ReplaceUnit(text.data(), text.constData(), text.length(), before, after);
+    if (count < LanesOfVector)
+        return std::find(units, units + count, unit) != units + count;
+    UnitVector found{};
+    ForEachVector(count, [&](int i) { found |= LoadUnits(units + i) == Spread(unit); });
+    return LaneBits(found) != 0;
 }
 
 TStringCore WithUnitReplaced(TStringCore const &text, TCodeUnit before, TCodeUnit after)
 {
-    StringStorage result;
-    ReplaceUnit(result.setLengthForOverwrite(text.length()), text.constData(), text.length(), before, after);
-    return StringAccess::Adopt(std::move(result));
+    TStringCore result;
+    ReplaceUnit(StringAccess::Storage(result).setLengthForOverwrite(text.length()), text.constData(),
+                text.length(), before, after);
+    return result;
+}
+
+/// Whether a separator is to be put between two texts, which both are not empty.
+bool NeedsSeparator(TCodeUnit last, TCodeUnit first) noexcept
+{
+    return last != Separator && first != Separator;
+}
+
+/// The same for two paths.
+bool NeedsSeparator(TStringCore const &path, TStringCore const &other) noexcept
+{
+    return !path.isEmpty() && !other.isEmpty() && NeedsSeparator(path.back(), other.front());
+}
+
+int JoinedLength(TStringCore const &path, TStringCore const &other, bool needsSeparator)
+{
+    return StringStorage::checkedLength(std::int64_t{path.length()} + needsSeparator + other.length());
+}
+
+/// How long a text is made at first that goes to the heap. Names come in rows: there is to be room for one
+/// more like the last.
+int LengthWithRoom(int length, int added)
+{
+    bool const isInline = length < StringStorage::InlineCapacity;
+    return isInline ? length : StringStorage::checkedLength(std::int64_t{length} + 1 + added);
+}
+
+TCodeUnit MadeGeneric(TCodeUnit unit) noexcept
+{
+    return unit == NativeSeparator ? Separator : unit;
+}
+
+int LengthWithoutTrailingSeparator(PathText path) noexcept
+{
+    bool const isOneTooMany = path.EndsWithSeparator() && path.RootPathLength() != path.Length();
+    return path.Length() - (isOneTooMany ? 1 : 0);
 }
 
 /// What the system calls a file, in the form asked for; below the last folder that it knows, what the text
@@ -74,9 +128,10 @@ TStringCore NativeNameOf(TPathCore const &path, NameForm form)
     static constexpr TCodeUnit Prefix[] = {u'\\', u'\\', u'?', u'\\', 0};
     constexpr int PrefixLength = 4;
 
-    if (path.IsEmpty())
-        return TStringCore();
     TStringCore const native = path.NativeString();
+    // The system would look at what comes before a zero.
+    if (native.isEmpty() || native.contains(TCodeUnit{0}))
+        return TStringCore();
     if (native.startsWith(Prefix))
         return NameByForm(native, form);
     return NameByForm(TStringCore(Prefix).append(native), form).mid(PrefixLength);
@@ -108,15 +163,21 @@ TPathCore::TPathCore(TCodeUnit const *text)
 
 void TPathCore::makeGeneric()
 {
-    ReplaceUnit(m_text, NativeSeparator, Separator);
+    // Only where there is something to replace: a shared text would be detached.
+    int const length = m_text.length();
+    if (Contains(m_text.constData(), length, NativeSeparator))
+    {
+        TCodeUnit *const units = m_text.data();
+        ReplaceUnit(units, units, length, NativeSeparator, Separator);
+    }
     removeTrailingSeparator();
 }
 
 void TPathCore::removeTrailingSeparator()
 {
-    PathText const path(m_text);
-    if (path.EndsWithSeparator() && path.RootPathLength() != path.Length())
-        m_text.chop(1);
+    int const length = LengthWithoutTrailingSeparator(PathText(m_text));
+    if (length != m_text.length())
+        m_text.truncate(length);
 }
 
 TPathCore TPathCore::MakePath(TStringCore generic) noexcept
@@ -128,13 +189,32 @@ TPathCore TPathCore::MakePath(TStringCore generic) noexcept
 
 TPathCore TPathCore::fromVector(std::vector<TStringCore> const &elements)
 {
+    // An upper bound: a separator at the end of an element is counted, but may be left out.
+    std::int64_t most = 0;
+    TCodeUnit last = Separator;
+    for (TStringCore const &element : elements)
+    {
+        if (element.isEmpty())
+            continue;
+        most += NeedsSeparator(last, MadeGeneric(element.front())) + element.length();
+        last = MadeGeneric(element.back());
+    }
+
     TPathCore path;
-    std::int64_t length = 0;
+    StringStorage &storage = StringAccess::Storage(path.m_text);
+    TCodeUnit *const units = storage.setLengthForOverwrite(StringStorage::checkedLength(most));
+    int length = 0;
     for (TStringCore const &element : elements)
-        length += element.length() + 1;
-    path.m_text.reserve(StringStorage::checkedLength(length));
-    for (TStringCore const &element : elements)
-        path.Append(element);
+    {
+        if (element.isEmpty())
+            continue;
+        if (length > 0 && NeedsSeparator(units[length - 1], MadeGeneric(element.front())))
+            units[length++] = Separator;
+        TCodeUnit *const out = units + length;
+        ReplaceUnit(out, element.constData(), element.length(), NativeSeparator, Separator);
+        length += LengthWithoutTrailingSeparator(PathText(out, element.length()));
+    }
+    storage.shorten(length);
     return path;
 }
 
@@ -187,29 +267,51 @@ TStringCore TPathCore::back() const
 
 TPathCore &TPathCore::Append(TPathCore const &other)
 {
-    if (IsEmpty() || other.IsEmpty() || HasTrailingSeparator() || other.HasLeadingSeparator())
-        return Concat(other);
     int const before = m_text.length();
     int const added = other.m_text.length();
+    if (added == 0)
+        return *this;
+    bool const needsSeparator = NeedsSeparator(m_text, other.m_text);
+    int const length = JoinedLength(m_text, other.m_text, needsSeparator);
     StringStorage &storage = StringAccess::Storage(m_text);
-    storage.setLength(StringStorage::checkedLength(std::int64_t{before} + 1 + added));
-    TCodeUnit *const units = storage.writableUnits();
-    units[before] = Separator;
+    storage.setLength(length < m_text.capacity() ? length : LengthWithRoom(length, added));
+    storage.shorten(length);
+    TCodeUnit *out = storage.writableUnits() + before;
+    if (needsSeparator)
+        *out++ = Separator;
     // After this path has grown: the other may be the same one.
-    CopyUnits(units + before + 1, other.m_text.constData(), added);
+    CopyName(out, other.m_text.constData(), added);
     return *this;
 }
 
 TPathCore TPathCore::operator/(TPathCore const &other) const &
 {
-    TPathCore result = *this;
-    result.Append(other);
+    TPathCore result;
+    if (IsEmpty() || other.IsEmpty())
+    {
+        result = other.IsEmpty() ? *this : other; // shared
+        return result;
+    }
+    bool const needsSeparator = NeedsSeparator(m_text, other.m_text);
+    int const length = JoinedLength(m_text, other.m_text, needsSeparator);
+    StringStorage &storage = StringAccess::Storage(result.m_text);
+    TCodeUnit *out = storage.setLengthForOverwrite(LengthWithRoom(length, other.m_text.length()));
+    storage.shorten(length);
+    CopyName(out, m_text.constData(), m_text.length());
+    out += m_text.length();
+    if (needsSeparator)
+        *out++ = Separator;
+    CopyName(out, other.m_text.constData(), other.m_text.length());
     return result;
 }
 
 TPathCore TPathCore::operator/(TPathCore const &other) &&
 {
-    return std::move(Append(other));
+    bool const needsSeparator = NeedsSeparator(m_text, other.m_text);
+    if (JoinedLength(m_text, other.m_text, needsSeparator) < m_text.capacity())
+        return std::move(Append(other));
+    TPathCore const &self = *this;
+    return self / other;
 }
 
 TPathCore &TPathCore::Concat(TPathCore const &other)
@@ -227,14 +329,19 @@ TPathCore TPathCore::operator+(TPathCore const &other) const
 
 // Root
 
-TPathCore TPathCore::left(int length) const
+TPathCore TPathCore::part(int position, int count) const
 {
-    return MakePath(m_text.left(length));
+    TPathCore result;
+    if (count == m_text.length())
+        result.m_text = m_text; // shared
+    else
+        result.m_text.assign(m_text.constData() + position, count);
+    return result;
 }
 
 TPathCore TPathCore::RootName() const
 {
-    return left(RootNameLength());
+    return part(0, RootNameLength());
 }
 
 TPathCore TPathCore::RootDirectory() const
@@ -244,7 +351,7 @@ TPathCore TPathCore::RootDirectory() const
 
 TPathCore TPathCore::RootPath() const
 {
-    return left(PathText(m_text).RootPathLength());
+    return part(0, PathText(m_text).RootPathLength());
 }
 
 // Names
@@ -252,7 +359,7 @@ TPathCore TPathCore::RootPath() const
 TPathCore TPathCore::Filename() const
 {
     int const index = FilenameIndex();
-    return index < 0 ? TPathCore() : MakePath(m_text.mid(index));
+    return index < 0 ? TPathCore() : part(index, m_text.length() - index);
 }
 
 TStringCore TPathCore::Extension() const
@@ -267,7 +374,7 @@ TPathCore TPathCore::Stem() const
     if (index < 0)
         return TPathCore();
     // Asked by itself, as a ":" in the name makes a difference.
-    return MakePath(m_text.mid(index, PathText(m_text).From(index).LengthWithoutExtension()));
+    return part(index, PathText(m_text).From(index).LengthWithoutExtension());
 }
 
 bool TPathCore::HasStem() const noexcept
@@ -279,7 +386,7 @@ bool TPathCore::HasStem() const noexcept
 
 TPathCore TPathCore::Parent() const
 {
-    return left(PathText(m_text).ParentLength());
+    return part(0, PathText(m_text).ParentLength());
 }
 
 bool TPathCore::HasParentPath() const noexcept
@@ -364,16 +471,6 @@ int TPathCore::RootNameLength() const noexcept
 int TPathCore::RootDirectoryIndex() const noexcept
 {
     return PathText(m_text).RootDirectoryIndex();
-}
-
-bool TPathCore::HasLeadingSeparator() const noexcept
-{
-    return PathText(m_text).IsSeparatorAt(0);
-}
-
-bool TPathCore::HasTrailingSeparator() const noexcept
-{
-    return PathText(m_text).EndsWithSeparator();
 }
 
 int TPathCore::FilenameIndex() const noexcept
