@@ -66,5 +66,6 @@ void AddFormatRows(Rows &rows);
 void AddLockRows(Rows &rows);
 void AddEventRows(Rows &rows);
 void AddCrashDumpRows(Rows &rows);
+void AddPathRows(Rows &rows);
 
 } // namespace bench
