@@ -28,7 +28,7 @@ bool Read(int descriptor, void *buffer, std::size_t size, std::uint64_t offset) 
 
 bool ReadFileHeader(int descriptor, FileHeader &file) noexcept
 {
-    return Read(descriptor, &file, sizeof file, 0) && std::equal(ELFMAG, ELFMAG + SELFMAG, file.e_ident);
+    return Read(descriptor, &file, sizeof file, 0) && std::memcmp(file.e_ident, ELFMAG, SELFMAG) == 0;
 }
 
 /// The bytes of a file.
@@ -153,7 +153,7 @@ bool HasSoundSections(int descriptor) noexcept
 {
     FileBytes const bytes(descriptor);
     FileHeader const file = Reader(bytes.Part(0, sizeof file)).Read<FileHeader>();
-    if (!std::equal(ELFMAG, ELFMAG + SELFMAG, file.e_ident) || file.e_shentsize != sizeof(SectionHeader) ||
+    if (std::memcmp(file.e_ident, ELFMAG, SELFMAG) != 0 || file.e_shentsize != sizeof(SectionHeader) ||
         file.e_shstrndx >= file.e_shnum)
     {
         return false;
