@@ -19,6 +19,8 @@
 #include "vansys/TStringCore.h"
 
 #include <cstddef>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -295,6 +297,95 @@ public:
     /// Removes the extension, and then appends a dot and the new one, which is given without a dot. An empty
     /// one only removes.
     TPathCore &ReplaceExtension(TStringCore const &extension);
+
+    // How paths lie to each other, told by their text alone: links on the disk are not followed.
+
+    /// The path without what says nothing: doubled separators, ".", a ".." with the name that it leads out
+    /// of, ".." right behind the root directory, and a separator at the end that is not the root directory. A
+    /// server's share is to its folders what a drive is, and no ".." leads out of it. What is left of nothing
+    /// but such is "."; the empty path stays empty. A name that looks like a drive does not become one. In a
+    /// path with the extended-length prefix, dots are names, and stay.
+    ///
+    /// | path         | normal     |   | path               | normal          |
+    /// |--------------|------------|---|--------------------|-----------------|
+    /// | `a/./b//c`   | `a/b/c`    |   | `C:/../a`          | `C:/a`          |
+    /// | `a/../b`     | `b`        |   | `C:a/../..`        | `C:..`          |
+    /// | `a/../../b`  | `../b`     |   | `//srv/share/../a` | `//srv/share/a` |
+    /// | `a/..`       | `.`        |   | `a/../C:/b`        | `./C:/b`        |
+    TPathCore LexicallyNormal() const;
+
+    /// The way from `base` to here, in normal form: "../c" from "a/b" to "a/c", "." from a path to itself.
+    /// Empty when the text does not tell: when the root names or the shares differ, when only one has a root
+    /// directory, or when the base leads upwards to where nobody knows.
+    TPathCore RelativeTo(TPathCore const &base,
+                         TStringCore::CaseSensitivity sensitivity = caseSensitivity()) const;
+
+    /// Whether this is `base`, or something below it: their normal forms begin alike, element by element.
+    /// "/a/bc" is not under "/a/b", and neither is "/a/b/../c".
+    bool IsUnder(TPathCore const &base, TStringCore::CaseSensitivity sensitivity = caseSensitivity()) const;
+
+    /// The base, and behind it a text that nobody vouches for: a name in an archive, in a request, in a
+    /// manifest. Both slashes separate its names, on every system, so that what is refused here is refused
+    /// there. The result has the names of the text behind the base, with one "/" between two. An empty text
+    /// gives the base.
+    ///
+    /// Throws `Exception` for a text that could lead out of the base, or to something else than a file, on
+    /// Windows or on Linux. The message is the first of these that applies, at the beginning and then name by
+    /// name:
+    ///
+    /// | message, behind "SafeJoin: "                         | for example                              |
+    /// |------------------------------------------------------|------------------------------------------|
+    /// | the path has a zero unit.                            |                                          |
+    /// | the path has an extended-length or device prefix.    | `//?/C:/x`, `\\.\nul`, `\??\C:\x`        |
+    /// | the path has a root name.                            | `C:/x`, `//srv/share/x`                  |
+    /// | the path has a root directory.                       | `/x`                                     |
+    /// | the path begins in the current folder of a drive.    | `C:x`                                    |
+    /// | the path leads upwards.                              | `..`, `a/../b`                           |
+    /// | a name has an alternate stream.                      | `ab:c`, `ab::$DATA`                      |
+    /// | a name ends with a dot or a blank.                   | `.`, `a.`, `.. `, `a /b`                 |
+    /// | a name is that of a device.                          | `nul`, `a/COM1.txt`, `conin$`            |
+    ///
+    /// Devices are CON, PRN, AUX, NUL, CONIN$, CONOUT$, CLOCK$, and COM and LPT with a digit, the high 1, 2
+    /// and 3 included; in any case of letters, with blanks and with extensions. When the base is only the
+    /// beginning of a root name, such as "//", so that the joined path would have another root: "SafeJoin:
+    /// the base is not a folder.".
+    ///
+    /// What is text here may still be a link on the disk. To hold off those, open folder by folder.
+    static TPathCore SafeJoin(TPathCore const &base, TStringCore const &untrusted);
+
+    // The host's own names
+
+    /// A path of the bytes that the functions of the host's C library give and take. Nothing is removed at
+    /// the end.
+    ///
+    /// **Linux.** Any bytes are a name there, so each sequence of bytes becomes a text of its own, and
+    /// `toNativeBytes` gives the same bytes back:
+    /// - what is well-formed UTF-8 becomes the text that it is;
+    /// - each other byte B, alone, becomes the lone surrogate U+DC00 + B: U+DC80 to U+DCFF. The rules of
+    /// UTF-8 are strict
+    ///   here: surrogates in their three-byte form, five- and six-byte forms and forms that are longer than
+    ///   they have to be, which `TStringCore::fromUtf8` decodes, are such bytes, too. So a text never gets
+    ///   U+DC80 in two ways;
+    /// - a back slash, which is part of a name there and a separator here, becomes U+DC5C in the same way.
+    ///
+    /// **Windows.** The bytes are UTF-8 as `TStringCore::fromUtf8` takes it, and back slashes are separators.
+    static TPathCore fromNativeBytes(std::string_view bytes);
+
+    /// The reverse. On Linux, a unit from U+DC80 to U+DCFF that is no half of a pair, and U+DC5C, become one
+    /// byte each. All else becomes UTF-8 as by `TStringCore::toUtf8`, with other lone surrogates in their
+    /// three-byte form, and back slashes, which only `Swap` leaves in a path, as slashes. So the bytes of two
+    /// paths behind each other are those of both joined; and a text that did not come from bytes may come
+    /// back as another one: lone surrogates as three lone surrogates, and several U+DC80 to U+DCFF as the
+    /// text whose UTF-8 their bytes are.
+    ///
+    /// On Windows, the text of `ForHost` as UTF-8.
+    std::string toNativeBytes() const;
+
+    /// The text with the host's own separator: back slashes on Windows, and slashes elsewhere. What opens
+    /// files by text:
+    /// `_wfopen(path.ForHost().constData(), L"rb")` on Windows, `fopen(path.toNativeBytes().c_str(), "rb")`
+    /// elsewhere, and on every system `std::ofstream(PathToFilesystem(path))`, of TPathCoreFilesystem.h.
+    TStringCore ForHost() const;
 
     // Comparison. The operators and functors are in TPathCoreOperators.h.
 

@@ -37,6 +37,7 @@
 #include "vansys/TMath.h"
 #include "vansys/TPathCore.h"
 #include "vansys/TPathCoreException.h"
+#include "vansys/TPathCoreFilesystem.h"
 #include "vansys/TPathCoreIterator.h"
 #include "vansys/TPathCoreOperators.h"
 #include "vansys/TProcessHandle.h"

@@ -1,5 +1,6 @@
 #include "vansys/TPathCore.h"
 
+#include "main/vansys/path/NativeBytes.h"
 #include "main/vansys/path/NativeName.h"
 #include "main/vansys/path/PathText.h"
 #include "main/vansys/string/RawText.h"
@@ -236,6 +237,21 @@ TStringCore TPathCore::NativeLongPath() const
 TStringCore TPathCore::NativeShortPath() const
 {
     return NativeNameOf(*this, NameForm::Short);
+}
+
+TPathCore TPathCore::fromNativeBytes(std::string_view bytes)
+{
+    return MakePath(DecodeNativeBytes(bytes));
+}
+
+std::string TPathCore::toNativeBytes() const
+{
+    return EncodeNativeBytes(m_text);
+}
+
+TStringCore TPathCore::ForHost() const
+{
+    return TextForHost(m_text);
 }
 
 void TPathCore::Swap(TPathCore &other)
