@@ -67,5 +67,6 @@ void AddLockRows(Rows &rows);
 void AddEventRows(Rows &rows);
 void AddCrashDumpRows(Rows &rows);
 void AddPathRows(Rows &rows);
+void AddStackRows(Rows &rows);
 
 } // namespace bench

@@ -43,6 +43,7 @@ int main(int argc, char **argv)
     bench::AddEventRows(rows);
     bench::AddCrashDumpRows(rows);
     bench::AddPathRows(rows);
+    bench::AddStackRows(rows);
 
     bench::RatioReporter reporter(rows);
     if (benchmark::RunSpecifiedBenchmarks(&reporter) == 0) // it has said that nothing matches the filter

@@ -15,6 +15,7 @@ endfunction()
 
 vansys_compiler_file(libbacktrace.a backtrace_library)
 vansys_compiler_file(include/backtrace.h backtrace_header)
+set_property(GLOBAL PROPERTY VANSYS_BACKTRACE_LIBRARY ${backtrace_library}) # for those who compare with it
 
 # The header by itself: those beside it are for GCC only.
 set(backtrace_folder ${PROJECT_BINARY_DIR}/backtrace)

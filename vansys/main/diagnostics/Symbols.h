@@ -2,7 +2,10 @@
 /// Symbols: what the debugging information and the symbol tables say about an address of this process.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
 
 namespace vansys::detail
@@ -32,5 +35,10 @@ struct Symbol
 /// Never fails: what there is no memory or no file descriptor for stays unknown, and is looked for again the
 /// next time.
 Symbol LookUpSymbol(std::uintptr_t address) noexcept;
+
+/// The same for many addresses, which is faster: calls `take` for each, in order. It may be called under the
+/// lock of the look-ups, and must not look symbols up itself. What it throws passes through.
+void LookUpSymbols(std::span<std::uintptr_t const> addresses,
+                   std::function<void(std::size_t index, Symbol const &symbol)> const &take);
 
 } // namespace vansys::detail

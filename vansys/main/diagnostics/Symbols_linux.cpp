@@ -96,10 +96,13 @@ public:
         m_generation = current.generation;
     }
 
+    /// The symbol of an address that was looked up before; null when it was not, or not lately.
+    Symbol const *FindKnown(std::uintptr_t address) { return m_cache.Find(address); }
+
     /// Completes the symbol as far as it can. Returns whether the address is in the program itself.
     bool LookUp(std::uintptr_t address, Symbol &symbol)
     {
-        if (Symbol const *const known = m_cache.Find(address))
+        if (Symbol const *const known = FindKnown(address))
         {
             symbol = *known;
             return symbol.moduleBase == m_programBase;
@@ -166,23 +169,30 @@ SharedTable &Shared()
     return *shared;
 }
 
-/// Returns whether the address is in the program itself.
-bool LookUpInFiles(std::uintptr_t address, Symbol &symbol)
+/// The table, with the modules that are loaded now, and the mutex that is held for it.
+class LockedTable
 {
-    // The dynamic linker is asked without the mutex, as somebody who holds a lock of the linker may wait for
-    // it.
-    SharedTable &shared = Shared();
-    std::uint64_t const generation = ModuleGeneration();
+public:
+    LockedTable() : m_shared(Shared())
     {
-        std::lock_guard const lock(shared.mutex);
-        if (shared.table.Generation() == generation)
-            return shared.table.LookUp(address, symbol);
+        // The dynamic linker is asked without the mutex, as somebody who holds a lock of the linker may wait
+        // for it.
+        std::uint64_t const generation = ModuleGeneration();
+        m_lock = std::unique_lock(m_shared.mutex);
+        if (m_shared.table.Generation() == generation)
+            return;
+        m_lock.unlock();
+        LoadedModules modules = ListModules();
+        m_lock.lock();
+        m_shared.table.Update(std::move(modules));
     }
-    LoadedModules modules = ListModules();
-    std::lock_guard const lock(shared.mutex);
-    shared.table.Update(std::move(modules));
-    return shared.table.LookUp(address, symbol);
-}
+
+    SymbolTable *operator->() noexcept { return &m_shared.table; }
+
+private:
+    SharedTable &m_shared;
+    std::unique_lock<std::mutex> m_lock;
+};
 
 struct CloseModule
 {
@@ -210,7 +220,7 @@ Symbol LookUpSymbol(std::uintptr_t address) noexcept
     Symbol symbol;
     try
     {
-        bool const isInProgram = LookUpInFiles(address, symbol);
+        bool const isInProgram = LockedTable()->LookUp(address, symbol);
         if (symbol.function.empty() && !symbol.imagePath.empty())
             AskDynamicLinker(address, isInProgram, symbol);
     }
@@ -219,6 +229,26 @@ Symbol LookUpSymbol(std::uintptr_t address) noexcept
         // What was found until then is the answer.
     }
     return symbol;
+}
+
+void LookUpSymbols(std::span<std::uintptr_t const> addresses,
+                   std::function<void(std::size_t index, Symbol const &symbol)> const &take)
+{
+    for (std::size_t i = 0; i < addresses.size(); ++i)
+    {
+        {
+            LockedTable table;
+            for (; i < addresses.size(); ++i)
+            {
+                Symbol const *const known = table->FindKnown(addresses[i]);
+                if (!known || known->function.empty())
+                    break;
+                take(i, *known);
+            }
+        }
+        if (i < addresses.size())
+            take(i, LookUpSymbol(addresses[i]));
+    }
 }
 
 } // namespace vansys::detail

@@ -149,4 +149,11 @@ Symbol LookUpSymbol(std::uintptr_t address) noexcept
     return symbol;
 }
 
+void LookUpSymbols(std::span<std::uintptr_t const> addresses,
+                   std::function<void(std::size_t index, Symbol const &symbol)> const &take)
+{
+    for (std::size_t i = 0; i < addresses.size(); ++i)
+        take(i, LookUpSymbol(addresses[i]));
+}
+
 } // namespace vansys::detail

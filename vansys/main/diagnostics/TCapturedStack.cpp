@@ -5,28 +5,38 @@
 #include "main/diagnostics/Symbols.h"
 
 #include <algorithm>
-#include <utility>
+#include <array>
+#include <span>
 
 namespace
 {
 
 using namespace vansys::detail;
 
-/// Adds the line of a frame, unless frames of its source are left out. Returns whether it was added.
-bool AppendFrame(std::string &text, unsigned number, std::uintptr_t returnAddress)
+/// Calls `take` with each line.
+template <class Take>
+void DescribeFrames(std::span<std::uintptr_t const> returnAddresses, Take take)
 {
-    Symbol const symbol = LookUpSymbol(returnAddress - 1);
-    if (IsHiddenSource(symbol.file))
-        return false;
-    FrameLine frame;
-    frame.number = number;
-    frame.programCounter = returnAddress;
-    frame.function = symbol.function;
-    frame.file = symbol.file;
-    frame.line = symbol.line;
-    frame.module = symbol.module;
-    AppendFrameLine(text, frame);
-    return true;
+    std::array<std::uintptr_t, TCapturedStack::MaxFrames> calls;
+    for (std::size_t i = 0; i < returnAddresses.size(); ++i)
+        calls[i] = returnAddresses[i] - 1;
+    std::string line;
+    LookUpSymbols(std::span(calls).first(returnAddresses.size()),
+                  [&](std::size_t index, Symbol const &symbol)
+                  {
+                      if (IsHiddenSource(symbol.file))
+                          return;
+                      FrameLine frame;
+                      frame.number = static_cast<unsigned>(index);
+                      frame.programCounter = returnAddresses[index];
+                      frame.function = symbol.function;
+                      frame.file = symbol.file;
+                      frame.line = symbol.line;
+                      frame.module = symbol.module;
+                      line.clear();
+                      AppendFrameLine(line, frame);
+                      take(line);
+                  });
 }
 
 } // namespace
@@ -57,20 +67,15 @@ std::vector<std::string> TCapturedStack::Lines() const
 {
     std::vector<std::string> lines;
     lines.reserve(m_count);
-    for (unsigned i = 0; i < m_count; ++i)
-    {
-        std::string line;
-        if (AppendFrame(line, i, m_frames[i]))
-            lines.push_back(std::move(line));
-    }
+    DescribeFrames(std::span(m_frames).first(m_count),
+                   [&](std::string const &line) { lines.push_back(line); });
     return lines;
 }
 
 std::string TCapturedStack::Text() const
 {
     std::string text;
-    for (unsigned i = 0; i < m_count; ++i)
-        if (AppendFrame(text, i, m_frames[i]))
-            text += '\n';
+    DescribeFrames(std::span(m_frames).first(m_count),
+                   [&](std::string const &line) { (text += line) += '\n'; });
     return text;
 }

@@ -31,7 +31,7 @@ VantrelException::VantrelException(Caller caller) : m_messages(nullptr), m_redac
     Stacks stacks;
     m_messages = stacks.messages.release();
     m_redactedMessages = stacks.redacted.release();
-    if (ExceptionStacks::IsOn() && caller.returnAddress)
+    if (caller.returnAddress && ExceptionStacks::IsOn())
         ExceptionStacks::Capture(*this, caller.returnAddress);
 }
 
