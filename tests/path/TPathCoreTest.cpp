@@ -283,10 +283,26 @@ TEST(TPathCoreIterator, OfAPathThatHasChanged)
     EXPECT_TRUE(at == path.end() && at != end);
 }
 
-TEST(TPathCoreException, KeepsItsType)
+/// Not inlined, so that it has a frame.
+[[gnu::noinline]] static Path::Exception FailureWithCallStack()
+{
+    return Path::Exception(u"message", true);
+}
+
+TEST(TPathCoreException, KeepsItsTypeAndItsCallStack)
 {
     Path::Exception const failure(u"message", false);
     EXPECT_EQ(failure.GetMessagesVector(), std::vector<TStringCore>{u"message"});
     std::unique_ptr<VantrelException> const clone(failure.Clone());
     EXPECT_THROW(clone->Throw(), Path::Exception);
+
+    std::vector<TStringCore> const messages = FailureWithCallStack().GetMessagesVector();
+    ASSERT_GT(messages.size(), 4u);
+    EXPECT_EQ(messages[0], u"message");
+    EXPECT_TRUE(messages[1].startsWith(u"0x00000000 ") && messages[1].contains(u"Exception"));
+    EXPECT_TRUE(messages[2].startsWith(u"0x00000001 "));
+    // Where programs have no symbols, there is but the address.
+    EXPECT_TRUE(messages[2].contains(u"FailureWithCallStack") || messages[2].contains(u"not available"));
+    for (TStringCore const &line : messages)
+        EXPECT_FALSE(line.contains(u"StackWalker")) << testing::PrintToString(line);
 }

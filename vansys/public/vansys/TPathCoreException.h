@@ -12,7 +12,8 @@ class VANSYS_API TPathCore::Exception : public VantrelExceptionOf<TPathCore::Exc
 {
 public:
     /// Stacks the message. With `captureCallStack`, each line of the calling thread's stack follows as a
-    /// message of its own, the innermost call first, which costs looking up its names.
+    /// message of its own, as `TStackWalker` makes it, this constructor's first. The names are looked up at
+    /// once, which may take milliseconds. What `VantrelException::CaptureCallStacks` does is not affected.
     Exception(TStringCore const &message, bool captureCallStack);
 
     Exception(Exception const &) = default;
