@@ -28,32 +28,61 @@ std::uintptr_t Load(fs::path const &path)
     return reinterpret_cast<std::uintptr_t>(LoadLibraryW(path.c_str()));
 }
 
-// The list is what addr2line says. Where the debugging information has only a function's name in its scope,
-// the list has no more, either.
+struct Address
+{
+    std::uintptr_t distance;
+    std::string function;
+    std::string file;
+    unsigned long line;
+};
+
+/// What addr2line says of addresses in the library.
+std::vector<Address> ReadAddresses()
+{
+    std::ifstream list(VANSYS_ADDRESS_LIST);
+    std::vector<Address> addresses;
+    std::string distance, function, file, line;
+    while (std::getline(list, distance, '\t') && std::getline(list, function, '\t') &&
+           std::getline(list, file, '\t') && std::getline(list, line))
+        addresses.push_back({std::stoul(distance), function, file, std::stoul(line)});
+    EXPECT_EQ(addresses.size(), 1000u);
+    return addresses;
+}
+
+// Where the debugging information has only a function's name in its scope, the list has no more, either.
 TEST(SymbolMaps, KnowWhatTheDebuggingInformationSays)
 {
     std::uintptr_t const base = Load(Dll);
     ASSERT_NE(base, 0u);
-    std::ifstream list(VANSYS_ADDRESS_LIST);
-    int addresses = 0;
     int fullNames = 0;
-    std::string distance, function, file, line;
-    while (std::getline(list, distance, '\t') && std::getline(list, function, '\t') &&
-           std::getline(list, file, '\t') && std::getline(list, line))
+    for (auto const &[distance, function, file, line] : ReadAddresses())
     {
         Symbol symbol;
-        ASSERT_TRUE(LookUpInSymbolMap(base + std::stoul(distance), symbol)) << distance;
+        ASSERT_TRUE(LookUpInSymbolMap(base + distance, symbol)) << distance;
         EXPECT_EQ(symbol.file, file) << distance;
-        EXPECT_EQ(symbol.line, std::stoul(line)) << distance;
+        EXPECT_EQ(symbol.line, line) << distance;
         bool const isFull = symbol.fullFunction == function;
         EXPECT_TRUE(isFull ||
                     symbol.function.find(function.substr(0, function.find('<'))) != std::string::npos)
             << function << " is " << symbol.fullFunction;
         fullNames += isFull;
-        ++addresses;
     }
-    EXPECT_EQ(addresses, 1000);
     EXPECT_GT(fullNames, 500);
+}
+
+// Of the stripped library, the system's symbol handler knows no lines.
+TEST(SymbolMaps, NameWhatTheSymbolHandlerDoesNotKnow)
+{
+    std::uintptr_t const base = Load(VANSYS_STRIPPED_DLL);
+    ASSERT_NE(base, 0u);
+    for (Address const &address : ReadAddresses())
+    {
+        Symbol const symbol = vansys::detail::LookUpSymbol(base + address.distance);
+        EXPECT_EQ(symbol.file, address.file);
+        EXPECT_EQ(symbol.line, address.line);
+        EXPECT_EQ(symbol.module, "stripped");
+        EXPECT_EQ(symbol.notice, "");
+    }
 }
 
 TEST(SymbolMaps, SayOnceWhyTheyAreIgnored)

@@ -21,8 +21,8 @@ struct Symbol
     std::string module;    ///< the name of the module's file, without the folder
     std::string imagePath; ///< the module's file
     std::uintptr_t moduleBase = 0;
-    std::string
-        notice; ///< what is to be said of the look-up itself, in a line of its own before that of the frame
+    /// What is to be said of the look-up itself, in a line of its own before that of the frame. Given once.
+    std::string notice;
 };
 
 /// Looks up what lies at `address` in the modules that are loaded now. Of a return address, the call is what

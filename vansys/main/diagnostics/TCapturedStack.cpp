@@ -24,6 +24,8 @@ void DescribeFrames(std::span<std::uintptr_t const> returnAddresses, Take take)
     LookUpSymbols(std::span(calls).first(returnAddresses.size()),
                   [&](std::size_t index, Symbol const &symbol)
                   {
+                      if (!symbol.notice.empty())
+                          take(symbol.notice);
                       if (IsHiddenSource(symbol.file))
                           return;
                       FrameLine frame;

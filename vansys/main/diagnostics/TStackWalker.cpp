@@ -35,13 +35,17 @@ std::string Name(std::string &&name)
     return std::move(name);
 }
 
-TStackWalker::CallstackEntry EntryOf(detail::Frame const &frame)
+detail::Symbol SymbolOf(detail::Frame const &frame)
+{
+    return frame.programCounter == 0 ? detail::Symbol() : detail::LookUpSymbol(frame.Instruction());
+}
+
+TStackWalker::CallstackEntry EntryOf(detail::Frame const &frame, detail::Symbol &&symbol)
 {
     TStackWalker::CallstackEntry entry;
     entry.programCounter = frame.programCounter;
     if (frame.programCounter == 0)
         return entry;
-    detail::Symbol symbol = detail::LookUpSymbol(frame.Instruction());
     entry.undecoratedName = Name(std::move(symbol.function));
     entry.undecoratedFullName = Name(std::move(symbol.fullFunction));
     entry.name = entry.undecoratedName.empty() ? "(symbol not available)" : entry.undecoratedName;
@@ -207,7 +211,10 @@ void TStackWalker::GiveOut(detail::ThreadStack const &stack)
         CallstackEntryType type = i == 0 ? firstEntry : nextEntry;
         if (isOutermost && stack.isComplete)
             type = lastEntry;
-        OnCallstackEntry(static_cast<unsigned>(i), type, EntryOf(frame));
+        detail::Symbol symbol = SymbolOf(frame);
+        if (!symbol.notice.empty())
+            OnOutput(symbol.notice.c_str());
+        OnCallstackEntry(static_cast<unsigned>(i), type, EntryOf(frame, std::move(symbol)));
     }
 }
 
