@@ -18,16 +18,6 @@
 namespace
 {
 
-TProcessHandle HandleOf(unsigned process)
-{
-    return TProcessHandle(syscall(SYS_pidfd_open, process, 0));
-}
-
-void Close(TProcessHandle process)
-{
-    close(static_cast<int>(reinterpret_cast<std::intptr_t>(process)));
-}
-
 int Dump(TProcessHandle process, unsigned id, std::u16string const &file)
 {
     return TStackWalker::WriteCrashDump(process, id, file.c_str(), CrashDumpType::Stacks);
@@ -73,7 +63,8 @@ TEST(CrashDumpLinuxTest, ShowsTheThreadsOfAnotherProcessAndDoesNotDisturbThem)
     std::filesystem::path const file = folder.Path() / "dump";
     ChildProcess program(VANSYS_HELPER_DUMPED_PROGRAM, {"wait"});
     ASSERT_TRUE(program.WaitForOutput("ready"));
-    TProcessHandle const process = HandleOf(program.Id());
+    long const descriptor = syscall(SYS_pidfd_open, program.Id(), 0);
+    auto const process = TProcessHandle(descriptor);
     EXPECT_EQ(Dump(process, program.Id() + 1, file.u16string()), 0);
     EXPECT_NE(Dump(process, program.Id(), file.u16string()), 0);
     ExpectFourThreads(file, program.Id(), "WaitForInput");
@@ -82,7 +73,7 @@ TEST(CrashDumpLinuxTest, ShowsTheThreadsOfAnotherProcessAndDoesNotDisturbThem)
 
     EXPECT_EQ(Dump(process, program.Id(), (folder.Path() / "none").u16string()), 0);
     EXPECT_EQ(folder.Count(), 1);
-    Close(process);
+    close(static_cast<int>(descriptor));
 }
 
 TEST(CrashDumpLinuxTest, LeavesNothingBehindOnFailure)
@@ -90,17 +81,13 @@ TEST(CrashDumpLinuxTest, LeavesNothingBehindOnFailure)
     TemporaryFolder const folder;
     std::string const file = folder.Path() / "dump";
     std::ofstream(file) << "before";
-    struct
-    {
-        int resource;
-        char const *limit;
-    } const rows[] = {{RLIMIT_FSIZE, "0"}, {RLIMIT_FSIZE, "70000"}, {RLIMIT_NOFILE, "3"}, {RLIMIT_AS, "1"}};
-    for (auto const &row : rows)
+    std::pair<int, char const *> const limits[] = {
+        {RLIMIT_FSIZE, "0"}, {RLIMIT_FSIZE, "70000"}, {RLIMIT_NOFILE, "3"}, {RLIMIT_AS, "1"}};
+    for (auto const &[resource, limit] : limits)
     {
         ChildProcess program(VANSYS_HELPER_DUMPED_PROGRAM,
-                             {"dump", file, "0", std::to_string(row.resource), row.limit});
-        EXPECT_TRUE(program.Wait().Exited(1))
-            << row.resource << " limited to " << row.limit << program.Output();
+                             {"dump", file, "0", std::to_string(resource), limit});
+        EXPECT_TRUE(program.Wait().Exited(1)) << resource << " limited to " << limit << program.Output();
         EXPECT_EQ(folder.Contents(file), "before");
         EXPECT_EQ(folder.Count(), 1);
     }

@@ -27,6 +27,9 @@ unsigned OwnId()
 
 int DumpItself(std::filesystem::path const &file, CrashDumpType type)
 {
+    // Wine's writer damages the heap where it has to start the symbol handler by itself.
+    static bool const isLoaded = TStackWalker(TProcessHandle(-1), OwnId()).LoadModules();
+    EXPECT_TRUE(isLoaded);
     return TStackWalker::WriteCrashDump(TProcessHandle(-1), OwnId(), file.u16string().c_str(), type);
 }
 

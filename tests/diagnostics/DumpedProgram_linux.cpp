@@ -18,7 +18,6 @@ namespace dumped
 {
 
 std::atomic<int> g_readyThreads{0};
-std::atomic<bool> g_isEnding{false};
 std::atomic<bool> g_isDisturbed{false};
 
 [[gnu::noinline]] void SitInCall()
@@ -31,20 +30,16 @@ std::atomic<bool> g_isDisturbed{false};
 [[gnu::noinline]] void SitInHandler(int)
 {
     ++g_readyThreads;
-    while (!g_isEnding)
-        usleep(1000000);
+    for (;;)
+        pause();
 }
 
 [[gnu::noinline]] void RaiseSignal()
 {
     static char stack[1 << 16];
-    stack_t handlers{};
-    handlers.ss_sp = stack;
-    handlers.ss_size = sizeof stack;
+    stack_t const handlers{.ss_sp = stack, .ss_flags = 0, .ss_size = sizeof stack};
     sigaltstack(&handlers, nullptr);
-    struct sigaction action
-    {
-    };
+    struct sigaction action = {};
     action.sa_handler = &SitInHandler;
     action.sa_flags = SA_ONSTACK;
     sigaction(SIGUSR1, &action, nullptr);
@@ -55,14 +50,12 @@ std::atomic<bool> g_isDisturbed{false};
 [[gnu::noinline]] int Recurse(int depth)
 {
     char volatile room[64] = {};
-    if (depth == 0)
-    {
-        ++g_readyThreads;
-        while (!g_isEnding)
-            room[1] = room[0];
-        return 0;
-    }
-    return Recurse(depth - 1) + room[0];
+    if (depth > 0)
+        return Recurse(depth - 1) + room[0];
+    ++g_readyThreads;
+    while (!g_isDisturbed)
+        room[1] = room[0];
+    return 0;
 }
 
 [[gnu::noinline]] int DumpItself(int count, char **arguments)
@@ -77,15 +70,15 @@ std::atomic<bool> g_isDisturbed{false};
     std::mbstowcs(name, arguments[2], std::size(name) - 1);
     int const result = TStackWalker::WriteCrashDump(TProcessHandle(-1), static_cast<unsigned>(getpid()), name,
                                                     static_cast<CrashDumpType>(std::atoi(arguments[3])));
-    g_isEnding = true;
+    ++g_readyThreads; // or the call above would not be on the stack as one of this function
     return result;
 }
 
 [[gnu::noinline]] void WaitForInput()
 {
-    char ignored = 0;
     std::puts("ready");
     std::fflush(stdout);
+    char ignored = 0;
     if (read(STDIN_FILENO, &ignored, 1) != 0)
         g_isDisturbed = true;
 }
@@ -100,13 +93,7 @@ int main(int count, char **arguments)
 {
     std::thread(&SitInCall).detach();
     std::thread(&RaiseSignal).detach();
-    std::thread(
-        []
-        {
-            int volatile depth = 5000;
-            Recurse(depth);
-        })
-        .detach();
+    std::thread(&Recurse, 5000).detach();
     while (g_readyThreads < 3)
         usleep(1000);
     bool succeeded = true;

@@ -85,27 +85,28 @@ private:
             m_claimed.push_back(part);
     }
 
-    std::string_view Text(std::uint32_t type) const
+    Part Stream(std::uint32_t type) const
     {
         auto const found = m_streams.find(type);
-        Require(found != m_streams.end(), "the streams of Linux are there");
-        return m_file.substr(static_cast<std::size_t>(found->second.start),
-                             static_cast<std::size_t>(found->second.size));
+        Require(found != m_streams.end(), "the streams that are needed are there");
+        return found->second;
     }
 
-    /// Calls `read` with the offset of each entry. Returns whether there is such a list.
-    template <class Read>
-    bool ForEach(std::uint32_t type, std::uint64_t entrySize, Read const &read)
+    std::string_view Text(std::uint32_t type) const
     {
-        auto const found = m_streams.find(type);
-        if (found == m_streams.end())
-            return false;
-        Part const list = found->second;
+        Part const text = Stream(type);
+        return m_file.substr(static_cast<std::size_t>(text.start), static_cast<std::size_t>(text.size));
+    }
+
+    /// Calls `read` with the offset of each entry of a list.
+    template <class Read>
+    void ForEach(std::uint32_t type, std::uint64_t entrySize, Read const &read)
+    {
+        Part const list = Stream(type);
         std::uint64_t const count = Get<std::uint32_t>(list.start);
         Require(list.size == 4 + count * entrySize, "a list is as long as its entries");
         for (std::uint64_t i = 0; i < count; ++i)
             read(list.start + 4 + i * entrySize);
-        return true;
     }
 
     /// Some of Wine's lack the zero.
@@ -131,8 +132,8 @@ private:
 
     void ReadSystem()
     {
-        Require(m_streams.count(7) && m_streams[7].size == 56, "system information is there");
-        std::uint64_t const info = m_streams[7].start;
+        Require(Stream(7).size == 56, "system information has its size");
+        std::uint64_t const info = Stream(7).start;
         auto const architecture = Get<std::uint16_t>(info);
         m_report.platform = Get<std::uint32_t>(info + 20);
         m_isLinux = m_report.platform == 0x8201;
@@ -145,21 +146,20 @@ private:
 
     void ReadMemory()
     {
-        bool const found =
-            ForEach(5, 16,
-                    [&](std::uint64_t entry)
-                    {
-                        Part const contents = Locate(entry + 8);
-                        Part const range{Get<std::uint64_t>(entry), contents.size};
-                        Require(range.size && range.start <= range.End(), "memory has addresses");
-                        Claim(contents);
-                        m_memory.push_back(range);
-                        m_contents.push_back(contents);
-                        m_report.memorySize += range.size;
-                        ++m_report.memoryParts;
-                    });
-        Require(found, "memory is there");
-        RequireApart(m_memory, "memory is there once");
+        ForEach(5, 16,
+                [&](std::uint64_t entry)
+                {
+                    Part const contents = Locate(entry + 8);
+                    Part const range{Get<std::uint64_t>(entry), contents.size};
+                    Require(range.size && range.start <= range.End(), "memory has addresses");
+                    Claim(contents);
+                    m_memory.push_back(range);
+                    m_contents.push_back(contents);
+                    m_report.memorySize += range.size;
+                    ++m_report.memoryParts;
+                });
+        if (m_isLinux) // Wine repeats some
+            RequireApart(m_memory, "memory is there once");
     }
 
     /// Returns the stack pointer.
@@ -184,20 +184,19 @@ private:
 
     void ReadThreads()
     {
-        bool const found =
-            ForEach(3, 48,
-                    [&](std::uint64_t entry)
-                    {
-                        auto const id = Get<std::uint32_t>(entry);
-                        Part const context = Locate(entry + 40);
-                        Claim(context);
-                        Require(id && m_contexts.emplace(id, context.start).second, "ids are unique");
-                        m_report.threads.push_back({id, ReadContext(context)});
-                        Part const contents = Locate(entry + 32);
-                        CheckStack(m_report.threads.back(), {Get<std::uint64_t>(entry + 24), contents.size},
-                                   contents);
-                    });
-        Require(found && !m_contexts.empty(), "threads are there");
+        ForEach(3, 48,
+                [&](std::uint64_t entry)
+                {
+                    auto const id = Get<std::uint32_t>(entry);
+                    Part const context = Locate(entry + 40);
+                    Claim(context);
+                    Require(id && m_contexts.emplace(id, context.start).second, "ids are unique");
+                    m_report.threads.push_back({id, ReadContext(context)});
+                    Part const contents = Locate(entry + 32);
+                    CheckStack(m_report.threads.back(), {Get<std::uint64_t>(entry + 24), contents.size},
+                               contents);
+                });
+        Require(!m_contexts.empty(), "threads are there");
     }
 
     void CheckStack(MinidumpReport::Thread const &thread, Part stack, Part contents)
@@ -222,33 +221,32 @@ private:
     void ReadModules()
     {
         std::vector<Part> modules;
-        bool const found =
-            ForEach(4, 108,
-                    [&](std::uint64_t entry)
-                    {
-                        modules.push_back({Get<std::uint64_t>(entry), Get<std::uint32_t>(entry + 8)});
-                        Require(modules.back().size, "modules have a size");
-                        m_report.modules.push_back(ReadString(Get<std::uint32_t>(entry + 20)));
-                        Require(!m_report.modules.back().empty(), "modules have names");
-                        Part const identity = Locate(entry + 76);
-                        Claim(identity);
-                        if (identity.size == 0)
-                            return;
-                        ++m_report.identifiedModules;
-                        auto const signature = Get<std::uint32_t>(identity.start);
-                        Require(!m_isLinux || (signature == 0x4270454C && identity.size > 4),
-                                "modules have build ids");
-                    });
-        Require(found && !modules.empty(), "modules are there");
+        ForEach(4, 108,
+                [&](std::uint64_t entry)
+                {
+                    modules.push_back({Get<std::uint64_t>(entry), Get<std::uint32_t>(entry + 8)});
+                    Require(modules.back().size, "modules have a size");
+                    m_report.modules.push_back(ReadString(Get<std::uint32_t>(entry + 20)));
+                    Require(!m_report.modules.back().empty(), "modules have names");
+                    Part const identity = Locate(entry + 76);
+                    Claim(identity);
+                    if (identity.size == 0)
+                        return;
+                    ++m_report.identifiedModules;
+                    auto const signature = Get<std::uint32_t>(identity.start);
+                    Require(!m_isLinux || (signature == 0x4270454C && identity.size > 4),
+                            "modules have build ids");
+                });
+        Require(!modules.empty(), "modules are there");
         RequireApart(modules, "modules do not overlap");
     }
 
     void ReadException()
     {
-        if (!m_streams.count(6))
-            return Require(!m_isLinux, "an exception is there");
-        Require(m_streams[6].size == 168, "an exception has its size");
-        std::uint64_t const exception = m_streams[6].start;
+        if (!m_isLinux && !m_streams.count(6))
+            return;
+        Require(Stream(6).size == 168, "an exception has its size");
+        std::uint64_t const exception = Stream(6).start;
         m_report.exceptionThread = Get<std::uint32_t>(exception);
         m_report.exceptionCode = Get<std::uint32_t>(exception + 8);
         m_report.exceptionAddress = Get<std::uint64_t>(exception + 24);
@@ -261,9 +259,9 @@ private:
 
     void ReadProcess()
     {
-        Require(m_streams.count(15) && m_streams[15].size >= 24, "miscellaneous information is there");
-        std::uint64_t const misc = m_streams[15].start;
-        Require(Get<std::uint32_t>(misc) <= m_streams[15].size && Get<std::uint32_t>(misc + 4) & 1,
+        std::uint64_t const misc = Stream(15).start;
+        Require(Stream(15).size >= 24 && Get<std::uint32_t>(misc) <= Stream(15).size &&
+                    Get<std::uint32_t>(misc + 4) & 1,
                 "the id is there");
         m_report.processId = Get<std::uint32_t>(misc + 8);
         if (!m_isLinux)
