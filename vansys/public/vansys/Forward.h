@@ -22,6 +22,7 @@ class TStackWalker;
 class TStackWalkerBase;
 class TStackWalkerCollector;
 class TStringCore;
+class TTerminateHandler;
 class VantrelException;
 class VantrelOutOfMemoryException;
 class VantrelUserErrorException;

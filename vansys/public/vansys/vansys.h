@@ -52,6 +52,7 @@
 #include "vansys/TStringCore.h"
 #include "vansys/TStringCoreException.h"
 #include "vansys/TStringCoreOperators.h"
+#include "vansys/TTerminateHandler.h"
 #include "vansys/Text.h"
 #include "vansys/ThreadSafety.h"
 #include "vansys/ThrowLogicException.h"
