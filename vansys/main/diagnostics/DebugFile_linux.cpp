@@ -1,7 +1,6 @@
 #include "main/diagnostics/DebugFile_linux.h"
 
 #include "main/diagnostics/ElfFile_linux.h"
-#include "main/diagnostics/LoadedModules_linux.h"
 #include "main/platform/Handle.h"
 
 #include <algorithm>
@@ -85,19 +84,19 @@ void DebugFile::Forget() noexcept
 {
     for (Mapping const &mapping : m_mappings)
         munmap(std::bit_cast<void *>(mapping.begin), mapping.end - mapping.begin);
-    m_mappings.clear();
+    m_mappings.Resize(0);
     m_state = nullptr;
 }
 
-bool DebugFile::LookUp(LoadedModule const &module, std::uintptr_t address, Record &record) noexcept
+bool DebugFile::LookUp(ModuleFile const &module, std::uintptr_t address, Record &record) noexcept
 {
-    if (module.path.empty())
+    if (module.path[0] == '\0')
         return true;
     Search search;
     g_current = this;
     m_module = &module;
     // By this name the program's file is found even when it has been removed.
-    m_path = module.isProgram ? "/proc/self/exe" : module.path.c_str();
+    m_path = module.isProgram ? "/proc/self/exe" : module.path;
     if (!m_state)
         m_state = backtrace_create_state(m_path, 0, &TakeError, &search);
     if (m_state)
@@ -158,11 +157,7 @@ void *DebugFile::Map(void *address, std::size_t size, int protection, int flags,
             return MAP_FAILED;
         }
     }
-    try
-    {
-        m_mappings.reserve(m_mappings.size() + 1);
-    }
-    catch (std::bad_alloc const &)
+    if (!m_mappings.Reserve(m_mappings.Size() + 1))
     {
         errno = ENOMEM;
         return MAP_FAILED;
@@ -171,7 +166,7 @@ void *DebugFile::Map(void *address, std::size_t size, int protection, int flags,
     if (memory != MAP_FAILED)
     {
         auto const begin = reinterpret_cast<std::uintptr_t>(memory);
-        m_mappings.push_back({begin, begin + WholePages(size)});
+        m_mappings.Append({begin, begin + WholePages(size)});
     }
     return memory;
 }
@@ -195,8 +190,8 @@ int DebugFile::Unmap(void *address, std::size_t size) noexcept
         mapping->begin = end;
     if (mapping->begin >= mapping->end)
     {
-        *mapping = m_mappings.back();
-        m_mappings.pop_back();
+        *mapping = *(m_mappings.end() - 1);
+        m_mappings.Resize(m_mappings.Size() - 1);
     }
     return 0;
 }

@@ -2,16 +2,24 @@
 /// DebugFile: the symbols and lines of one module.
 #pragma once
 
+#include "main/diagnostics/RawSystem_linux.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 struct backtrace_state;
 
 namespace vansys::detail
 {
 
-struct LoadedModule;
+/// What has to be known of a module to read its file.
+struct ModuleFile
+{
+    char const *path; ///< not null
+    bool isProgram;
+    std::uintptr_t bias;       ///< what is added to the addresses in the file
+    std::uint64_t fingerprint; ///< of what is loaded
+};
 
 /// Reads the file of a module, and the file that holds its debugging information where that was stripped from
 /// it:
@@ -40,7 +48,7 @@ public:
     /// memory or no file descriptor for it: what was read is given back, and the next call begins anew. A
     /// file that is not there, that is damaged, or that is not the one that was loaded, is not a failure:
     /// nothing is found in it.
-    bool LookUp(LoadedModule const &module, std::uintptr_t address, Record &record) noexcept;
+    bool LookUp(ModuleFile const &module, std::uintptr_t address, Record &record) noexcept;
 
     // What libbacktrace calls instead of the system.
     int Open(char const *path, int flags) noexcept;
@@ -58,8 +66,8 @@ private:
     void Forget() noexcept;
 
     backtrace_state *m_state = nullptr;
-    std::vector<Mapping> m_mappings;
-    LoadedModule const *m_module = nullptr; ///< during a look-up
+    RawArray<Mapping> m_mappings;
+    ModuleFile const *m_module = nullptr; ///< during a look-up
     char const *m_path = nullptr;
     bool m_isUnreadable = false;
     bool m_isOutOfResources = false;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -53,6 +54,17 @@ std::uint64_t FingerprintOf(std::span<ElfW(Phdr) const> headers, Add add)
         if (header.p_type == PT_NOTE && IsLoaded(header, headers) && !add(fingerprint, header))
             return 0;
     return fingerprint.Value();
+}
+
+/// That of a module that is loaded with this bias.
+inline std::uint64_t FingerprintOfLoaded(std::span<ElfW(Phdr) const> headers, std::uintptr_t bias) noexcept
+{
+    return FingerprintOf(headers,
+                         [bias](Fingerprint &fingerprint, ElfW(Phdr) const &part)
+                         {
+                             fingerprint.Add(std::bit_cast<void const *>(bias + part.p_vaddr), part.p_filesz);
+                             return true;
+                         });
 }
 
 /// That of the file behind the descriptor; 0 when it is no ELF file.

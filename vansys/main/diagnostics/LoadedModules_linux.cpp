@@ -2,7 +2,6 @@
 #include "main/diagnostics/ElfFile_linux.h"
 
 #include <algorithm>
-#include <bit>
 #include <climits>
 #include <cstddef>
 #include <new>
@@ -54,13 +53,7 @@ LoadedModule DescribeModule(dl_phdr_info const &info)
     }
     if (!module.segments.empty())
         module.base = std::min_element(module.segments.begin(), module.segments.end())->first;
-    module.fingerprint = FingerprintOf(
-        headers,
-        [&module](Fingerprint &fingerprint, ProgramHeader const &part)
-        {
-            fingerprint.Add(std::bit_cast<void const *>(module.bias + part.p_vaddr), part.p_filesz);
-            return true;
-        });
+    module.fingerprint = FingerprintOfLoaded(headers, module.bias);
     return module;
 }
 

@@ -2,6 +2,8 @@
 /// The modules of this process: the program and its shared libraries.
 #pragma once
 
+#include "main/diagnostics/DebugFile_linux.h"
+
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -24,6 +26,9 @@ struct LoadedModule
     std::uint64_t fingerprint = 0;
 
     bool Contains(std::uintptr_t address) const noexcept;
+
+    /// Refers to the path here.
+    ModuleFile File() const noexcept { return {path.c_str(), isProgram, bias, fingerprint}; }
 
     /// Whether both are the same file, loaded at the same place.
     bool operator==(LoadedModule const &) const noexcept = default;

@@ -135,7 +135,7 @@ private:
         symbol.module = path.substr(path.rfind('/') + 1);
         symbol.moduleBase = module.loaded.base;
         DebugFile::Record record;
-        if (!module.file.LookUp(module.loaded, address, record))
+        if (!module.file.LookUp(module.loaded.File(), address, record))
             return false;
         if (record.file)
         {
