@@ -186,6 +186,16 @@ ThreadStack WalkCallingThread(void const *innermost)
     return stack;
 }
 
+ThreadStack WalkFrom(HANDLE thread, CONTEXT const &context)
+{
+    ThreadStack stack;
+    stack.threadId = GetThreadId(thread);
+    stack.answer = ThreadStack::Answer::Given;
+    std::unique_lock const lock = LockDebugHelp();
+    WalkFrames(thread, context, stack);
+    return stack;
+}
+
 std::vector<ThreadStack> WalkThreads(std::vector<unsigned> const &threadIds, ThreadAccess)
 {
     StackCopy copy;

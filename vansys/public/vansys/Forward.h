@@ -10,6 +10,7 @@ class TAutoResetEvent;
 class TCancelEvent;
 class TCapturedStack;
 class TCountdownEvent;
+class TCrashHandler;
 class TEvent;
 class TFormatStringCore;
 class TPathCore;

@@ -30,6 +30,7 @@
 #include "vansys/TCapturedStack.h"
 #include "vansys/TCodeUnit.h"
 #include "vansys/TCountdownEvent.h"
+#include "vansys/TCrashHandler.h"
 #include "vansys/TEvent.h"
 #include "vansys/TFormatLiteral.h"
 #include "vansys/TFormatStringCore.h"
