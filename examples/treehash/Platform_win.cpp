@@ -1,5 +1,6 @@
 #include "Platform.h"
 
+#include <vansys/TPathCore.h>
 #include <vansys/VantrelException.h>
 
 #include <algorithm>
@@ -56,21 +57,16 @@ std::error_code LastError()
 
 std::string NameFromPath(std::wstring_view path)
 {
-    std::string name = TStringCore(path).toStdString();
-    std::replace(name.begin(), name.end(), '\\', '/');
-    return name;
+    return TPathCore(TStringCore(path)).GenericString().toStdString();
 }
 
 /// With backslashes. Empty, which is the path of no file, when the name is not UTF-8: what the decoder makes
 /// of it could be the name of another file.
 std::wstring PathFromName(std::string const &name)
 {
-    TStringCore const text = TStringCore::fromStdString(name);
-    if (text.toStdString() != name)
+    if (TStringCore::fromStdString(name).toStdString() != name)
         return {};
-    std::wstring path = text.toStdWString();
-    std::replace(path.begin(), path.end(), L'/', L'\\');
-    return path;
+    return TPathCore::fromNativeBytes(name).ForHost().toStdWString();
 }
 
 std::wstring FullPath(std::wstring const &path)
