@@ -10,35 +10,24 @@ TEST(PathAllocationFailure, LeavesPathsAsTheyWere)
 {
     TStringCore const text = u"\\a name\\that is\\too long to be inline.txt\\";
     TPathCore const other = text;
-    std::function<void(TPathCore &)> const changes[] = {[&](auto &p) { p.Append(other); },
-                                                        [](auto &p) { p.Append(p); },
-                                                        [&](auto &p) { p.Concat(other); },
-                                                        [](auto &p) { p.RemoveFilename(); },
-                                                        [](auto &p) { p.RemoveExtension(); },
-                                                        [](auto &p) { p.ReplaceExtension(u"x"); },
-                                                        [&](auto &p)
-                                                        {
-                                                            TPathCore q = other;
-                                                            p.Swap(q);
-                                                        },
-                                                        [](auto &p) { p.Swap(p); },
-                                                        [&](auto &p) { p = TPathCore(text); },
-                                                        [&](auto &p) { p = TPathCore(text.constData()); },
-                                                        [&](auto &p) { p = p / other; },
-                                                        [&](auto &p)
-                                                        { p = TPathCore::fromVector(p.toVector()); },
-                                                        [](auto &p) { p = p.Parent(); },
-                                                        [](auto &p) { p = p.NativeLongPath(); }};
+    TPathCore path, copy;
     int failures = 0;
-    for (auto const &change : changes)
+    auto const check = [&](std::function<void()> const &change)
     {
-        TPathCore path;
-        TPathCore copy;
-        auto const prepare = [&] { copy = path = TPathCore(u"C:") / text; };
-        auto const check = [&]
-        { EXPECT_TRUE(PathEqualExact()(path, copy) && copy == TPathCore(u"C:") + text); };
-        failures += failEachAllocation(
-            prepare, [&] { change(path); }, check);
-    }
+        failures += failEachAllocation([&] { copy = path = TPathCore(u"C:") / text; }, change,
+                                       [&] { EXPECT_TRUE(PathEqualExact()(path, TPathCore(u"C:") + text)); });
+    };
+    check([&] { path.Append(other); });
+    check([&] { path.Append(path); });
+    check([&] { path.Concat(other); });
+    check([&] { path.RemoveFilename(); });
+    check([&] { path.RemoveExtension(); });
+    check([&] { path.ReplaceExtension(u"x"); });
+    check([&] { path.Swap(path); });
+    check([&] { TPathCore(other).Swap(path); });
+    check([&] { path = TPathCore(text.constData()); });
+    check([&] { path = path / other; });
+    check([&] { path = TPathCore::fromVector(path.toVector()); });
+    check([&] { path = path.Parent().NativeLongPath(); });
     EXPECT_GE(failures, 14) << "the failures must reach the library";
 }

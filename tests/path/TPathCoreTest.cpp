@@ -46,6 +46,13 @@ TStringCore Describe(Path const &path)
                              u"|");
 }
 
+/// With blanks in between.
+template <class... Paths>
+TStringCore Texts(Paths const &...paths)
+{
+    return TStringCore::join({paths.GenericString()...}, u" ");
+}
+
 } // namespace
 
 TEST(TPathCore, AnswersQuestions)
@@ -53,24 +60,19 @@ TEST(TPathCore, AnswersQuestions)
     std::pair<TStringCore, TStringCore> const rows[] = {
         {u"", u"||||||R|||"},
         {u"C:\\dir\\f.tar.gz", u"C:|/|C:/dir|f.tar.gz|f.tar|gz|AFES|||C: / dir f.tar.gz"},
-        {u"C:\\dir\\", u"C:|/|C:/|dir|dir||AFS|||C: / dir"},
         {u"C:\\", u"C:|/|C:||||A|||C: /"},
         {u"C:", u"C:||||||R|||C:"},
         {u"C:b", u"C:||C|b|b||RFS|||C: b"},
         {u"\u00E9:/x", u"\u00E9:|/|\u00E9:/|x|x||AFS|||\u00E9: / x"},
         {u"1:/x", u"||1:|x|x||RFS|||1: x"},
         {u"/", u"|/||||||||/"},
-        {u"//", u"|/||||||||/"},
         {u"///", u"//|/|//||||AU|||// /"},
         {u"/b", u"|/|/|b|b||FS|||/ b"},
         {u"a", u"|||a|a||RF|||a"},
         {u"a//", u"||a||||RFS|||a"},
-        {u"a/b", u"||a|b|b||RFS|||a b"},
         {u".profile", u"|||.profile|.profile||RF|||.profile"},
         {u"d/a.", u"||d|a.|a||RFES|||d a."},
         {u"d/..", u"||d|..|..||RDFS|||d .."},
-        {u"...", u"|||...|...||RF|||..."},
-        {u"a.b/c", u"||a.b|c|c||RFS|||a.b c"},
         {u"a/b:c.d", u"||a/b|c.d|c|d|RFES|||a b:c.d"},
         {u"x:a.b:c", u"x:||x|a.b:c|a.b:c|b:c|RFES|||x: a.b:c"},
         {u"\\\\srv\\share\\dir\\f.txt",
@@ -83,7 +85,6 @@ TEST(TPathCore, AnswersQuestions)
         {u"//srv/1$", u"//srv|/|//srv/|1$|1$||AUFS|1$||//srv / 1$"},
         {u"\\\\?\\C:\\", u"//?/C:|/|//?/C:||||AX|||//?/C: /"},
         {u"//?/C:/x", u"//?/C:|/|//?/C:/|x|x||AXFS|||//?/C: / x"},
-        {u"//?/C:x", u"//?/C:||//?/C|x|x||RXFS|||//?/C: x"},
         {u"//?/uNc/srv/d$", u"//?/uNc/srv|/|//?/uNc/srv/|d$|d$||AUXFS$d|d$||//?/uNc/srv / d$"},
         {u"//?/UNC/", u"//?/UNC/||//?/UNC||||RUXFSO||//?/UNC/|//?/UNC/"},
         {u"//?/UNC", u"|/|//?|UNC|UNC||XFS|||/ ? UNC"},
@@ -92,87 +93,54 @@ TEST(TPathCore, AnswersQuestions)
         {TStringCore(u"a\0b/c", 5), TStringCore(u"||a\0b|c|c||RFS|||a\0b c", 22)},
     };
     for (auto const &[text, expected] : rows)
-    {
         EXPECT_EQ(Describe(Path(text)), expected) << testing::PrintToString(text);
-        EXPECT_EQ(Describe(Path(TStringCore(text))), expected) << testing::PrintToString(text);
-    }
 }
 
 TEST(TPathCore, BecomesGenericWhateverItIsMadeOf)
 {
-    struct Row
+    // Texts and paths in turn.
+    std::vector<TStringCore> const rows =
+        TStringCore(u"C:\\dir\\|C:/dir|C:\\|C:/|\\\\?\\C:\\|//?/C:/|a//|a/|a\\/\\|a//|\\\\srv\\|//srv/|"
+                    u"//srv/a/|//srv/a|////|///|||a\\path that\\is/not\\inline\\|a/path that/is/not/inline")
+            .split(u"|");
+    ASSERT_EQ(rows.size(), 20u);
+    for (std::size_t i = 0; i < rows.size(); i += 2)
     {
-        TStringCore text;
-        TStringCore generic;
-    };
-    Row const rows[] = {{u"C:\\dir\\", u"C:/dir"},
-                        {u"C:\\", u"C:/"},
-                        {u"\\\\?\\C:\\", u"//?/C:/"},
-                        {u"a//", u"a/"},
-                        {u"a\\/\\", u"a//"},
-                        {u"\\\\srv\\", u"//srv/"},
-                        {u"//srv/a/", u"//srv/a"},
-                        {u"////", u"///"},
-                        {u"", u""},
-                        {u"a\\very\\long\\path/with\\many/parts\\", u"a/very/long/path/with/many/parts"}};
-    for (auto const &[text, generic] : rows)
-    {
+        TStringCore const &text = rows[i];
+        TStringCore const &generic = rows[i + 1];
         std::vector<wchar_t> const wide = text.toWCharVector();
-        TStringCore const shared = text;
         for (Path const &path :
              {Path(text), Path(TStringCore(text.constData())), Path(text.constData()), Path(wide.data()),
               Path(text.toStdUString().c_str()), Path(text.toStdString().c_str()), Path::fromWindows(text)})
             EXPECT_EQ(path.GenericString(), generic);
-        EXPECT_EQ(shared, text);
-        EXPECT_EQ(Path(text).NativeString(),
-                  TStringCore(generic).replace(u'/', u'\\', TStringCore::CaseSensitive));
+        EXPECT_EQ(Path(text).NativeString(), TStringCore(generic).replaceAnyOf(u'/', u'\\'));
     }
 }
 
 TEST(TPathCore, IsPutTogetherAndEdited)
 {
-    std::pair<Path, TStringCore> const rows[] = {
-        {Path(u"a").Append(u"b"), u"a/b"},
-        {Path(u"a").Concat(u"/").Append(u"b"), u"a/b"},
-        {Path(u"a") / Path(u"/b"), u"a/b"},
-        {Path() / L"b", u"b"},
-        {Path("a") / Path(), u"a"},
-        {Path(u"C:") /= "b", u"C:/b"},
-        {Path(u"a") += u"b", u"ab"},
-        {Path(u"a") + Path(u"b"), u"ab"},
-        {Path(u"a") + TStringCore(u"\\b\\"), u"a/b"},
-        {Path(u"a") + L"b/" + u"c\\d" + "/", u"abc/d/"},
-        {Path(u"a") + L'\\' + u'\\' + '.', u"a//."},
-        {Path::fromVector({u"C:", u"\\", u"a", u"b\\", u"", u"c"}), u"C:/a/b/c"},
-        {Path(u"a/b").RemoveFilename(), u"a"},
-        {Path(u"/b").RemoveFilename(), u"/"},
-        {Path(u"C:/b").RemoveFilename(), u"C:/"},
-        {Path(u"b").RemoveFilename(), u""},
-        {Path(u"C:b").RemoveFilename(), u"C"},
-        {Path(u"//srv").RemoveFilename(), u"/"},
-        {Path(u"C:/").RemoveFilename(), u"C:/"},
-        {Path(u"a.b/f.x.txt").RemoveExtension(), u"a.b/f.x"},
-        {Path(u"a.b/f").RemoveExtension(), u"a.b/f"},
-        {Path(u"f.txt").ReplaceExtension(u""), u"f"},
-        {Path(u"f.txt").ReplaceExtension(u"md"), u"f.md"},
-        {Path(u"f").ReplaceExtension(u"md"), u"f.md"},
-        {Path(u"f.").ReplaceExtension(u"md"), u"f.md"},
-        {Path(u"..").ReplaceExtension(u"md"), u"...md"},
-        {Path(u"x").Assign(u"a/b"), u"a/b"},
-    };
-    for (std::size_t i = 0; i < std::size(rows); ++i)
-        EXPECT_EQ(rows[i].first.GenericString(), rows[i].second) << "row " << i;
+    EXPECT_EQ(Texts(Path(u"a").Append(u"b"), Path(u"a").Concat(u"/").Append(u"b"), Path(u"a") / Path(u"/b"),
+                    Path() / L"b", Path("a") / Path(), Path(u"C:") /= "b", Path(u"x").Assign(u"a/b")),
+              u"a/b a/b a/b b a C:/b a/b");
+    EXPECT_EQ(Texts(Path(u"a") += u"b", Path(u"a") + Path(u"b"), Path(u"a") + TStringCore(u"\\b\\"),
+                    Path(u"a") + L"b/" + u"c\\d" + "/", Path(u"a") + L'\\' + u'\\' + '.',
+                    Path::fromVector({u"C:", u"\\", u"a", u"b\\", u"", u"c"})),
+              u"ab ab a/b abc/d/ a//. C:/a/b/c");
+    EXPECT_EQ(Texts(Path(u"a/b").RemoveFilename(), Path(u"/b").RemoveFilename(),
+                    Path(u"C:/b").RemoveFilename(), Path(u"b").RemoveFilename(),
+                    Path(u"C:b").RemoveFilename(), Path(u"//srv").RemoveFilename(),
+                    Path(u"C:/").RemoveFilename()),
+              u"a / C:/  C / C:/");
+    EXPECT_EQ(Texts(Path(u"a.b/f.x.y").RemoveExtension(), Path(u"a.b/f").RemoveExtension(),
+                    Path(u"f.txt").ReplaceExtension(u""), Path(u"f.txt").ReplaceExtension(u"md"),
+                    Path(u"f").ReplaceExtension(u"md"), Path(u"f.").ReplaceExtension(u"md"),
+                    Path(u"..").ReplaceExtension(u"md")),
+              u"a.b/f.x a.b/f f f.md f.md f.md ...md");
     for (Path const start : {u"a", u"a/b/that/is/not/inline"})
     {
-        Path doubled = start;
-        Path joined = start;
+        Path doubled = start, joined = start;
         EXPECT_EQ(doubled += doubled, start + start);
         EXPECT_EQ(joined /= joined, start / start.GenericString());
-        EXPECT_EQ(doubled.size() * 2, (doubled / doubled).size());
-        TStringCore const &text = joined.GenericString();
-        EXPECT_EQ(Path(joined).RemoveFilename() / joined.Filename(), text) << "a copy is not changed with it";
-        joined.Clear();
-        EXPECT_TRUE(joined.IsEmpty() && joined.empty());
     }
 }
 
@@ -181,13 +149,9 @@ TEST(TPathCore, SwapLeavesTheOtherInNativeForm)
     Path a = u"a/b";
     Path b = u"c/d";
     a.Swap(b);
-    EXPECT_EQ(a.GenericString(), u"c/d");
-    EXPECT_EQ(b.GenericString(), u"a\\b");
-    EXPECT_EQ(b.size(), 1);
+    EXPECT_TRUE(a.GenericString() == u"c/d" && b.GenericString() == u"a\\b" && b.size() == 1);
     a.Swap(a);
     EXPECT_EQ(a.GenericString(), u"c\\d");
-    std::swap(a, b);
-    EXPECT_EQ(a.GenericString(), u"a\\b");
     Path trailing = Path(u"a") + u"/" + u"/";
     trailing.Swap(b);
     EXPECT_EQ(b.GenericString(), u"a\\") << "made generic before it is made native";
@@ -199,18 +163,15 @@ TEST(TPathCore, ComparesWithAndWithoutCase)
     Path const lower = Path(u"c:/\u00E4") / TStringCore(u'x', 300) / u"\u03C3";
     Path const upper = Path(u"C:/\u00C4") / TStringCore(u'X', 300) / u"\u03A3";
     Path const other = upper + u'Y';
-    EXPECT_TRUE(lower == upper && upper.Compare(lower) == 0 && !(lower != upper));
-    EXPECT_TRUE(lower != other && lower.Compare(other) < 0 && PathLess()(lower, other));
+    EXPECT_TRUE(lower == upper && upper.Compare(lower) == 0 && lower != other && PathLess()(lower, other));
     EXPECT_TRUE(upper < lower && lower > upper && upper <= upper && lower >= upper && !(lower < lower));
     EXPECT_TRUE(Path(u"a\\B") == u"A\\b" && L"a/b/" == Path("A/B") && Path(u"a") == TStringCore(u"A"));
     EXPECT_TRUE(Path(u"a//b") != u"a/b" && u"b" != Path(u"a") && TStringCore(u"b") != Path(u"a"));
-    EXPECT_LT(std::pair(upper, 2), std::pair(lower, 1)) << "by the order of paths, not that of native texts";
-    EXPECT_LT(std::pair(Path(u"a/b"), 1), std::pair(Path(u"aA"), 1));
+    EXPECT_LT(std::pair(Path(u"a/b"), 1), std::pair(Path(u"aA"), 1))
+        << "the order is not that of native texts";
     EXPECT_EQ((std::set<Path>{lower, upper, other}.size()), 3u);
-    EXPECT_EQ((std::set<Path, PathLess>{lower, upper, other}.size()), 2u);
     EXPECT_EQ((std::unordered_set<Path>{lower, upper, other}.size()), 2u);
-    EXPECT_EQ((std::unordered_set<Path, PathHashExact, PathEqualExact>{lower, upper, other, lower}.size()),
-              3u);
+    EXPECT_EQ((std::unordered_set<Path, PathHashExact, PathEqualExact>{lower, upper, lower}.size()), 2u);
     EXPECT_NE(std::hash<Path>()(upper), std::hash<Path>()(other));
 }
 
@@ -221,66 +182,48 @@ TEST(TPathCore, HasLongAndShortNamesOnDisk)
     EXPECT_EQ(Path(name), folder);
     EXPECT_EQ(Path(Path(folder.NativeShortPath()).NativeLongPath()), folder);
     EXPECT_EQ((folder / u"none" / u"x.y").NativeLongPath(), TStringCore(name).append(u"\\none\\x.y"));
-    EXPECT_EQ(Path(u"//?/").Concat(u"/").Concat(folder).NativeLongPath(),
+    EXPECT_EQ(Path(u"//?").Concat(u"/").Concat(folder).NativeLongPath(),
               TStringCore(u"\\\\?\\").append(name));
     EXPECT_EQ(Path().NativeLongPath(), u"");
     EXPECT_EQ((folder / TStringCore(u"a\0b", 3)).NativeShortPath(), u"");
-    bool const isKnown =
-        std::filesystem::path::preferred_separator == '/'; // what the system says of such a name
-    EXPECT_TRUE((folder / TStringCore(u'x', 300)).NativeLongPath().isEmpty() || !isKnown);
+    // What other systems say of such a name is theirs to choose.
+    Path const tooLong = folder / TStringCore(u'x', 300);
+    EXPECT_TRUE(std::filesystem::path::preferred_separator == '\\' || tooLong.NativeLongPath().isEmpty());
 }
 
 TEST(TPathCoreIterator, StepsAndReportsItsEnds)
 {
-    using Failure = TPathCore::Exception;
+    constexpr char16_t AtEnd[] = u"TPathCore::iterator trying to increment beyond end.";
+    constexpr char16_t AtBegin[] = u"TPathCore::iterator trying to decrement beyond beginning.";
     Path const path = u"C:/a//b/";
     Path const same = path;
-    EXPECT_EQ(path.front(), u"C:");
-    EXPECT_EQ(path.back(), u"b");
-    EXPECT_EQ(path.size(), 4);
-    EXPECT_EQ((Path(u"a/b") + u"/" + u"/").back(), u"b");
+    EXPECT_TRUE(path.front() == u"C:" && path.back() == u"b" && (Path(u"a/b") + u"/" + u"/").back() == u"b");
     EXPECT_TRUE(path.begin() != same.begin() && path.begin() == path.begin() && path.begin() != path.end());
     Path::iterator at = path.begin();
-    EXPECT_EQ(*at++, u"C:");
-    EXPECT_EQ(*++at, u"a");
-    EXPECT_EQ(*at--, u"a");
-    EXPECT_EQ(at->length(), 1);
-    EXPECT_EQ(*--at, u"C:");
-    EXPECT_EQ(FailureMessage<Failure>([&] { --at; }),
-              u"TPathCore::iterator trying to decrement beyond beginning.");
+    EXPECT_TRUE(*at++ == u"C:" && *++at == u"a" && *at-- == u"a" && at->length() == 1 && *--at == u"C:");
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { --at; }), AtBegin);
     EXPECT_EQ(*at, u"C:") << "a step that throws is not taken";
-    EXPECT_EQ(FailureMessage<Failure>([&] { ++path.end(); }),
-              u"TPathCore::iterator trying to increment beyond end.");
-    EXPECT_EQ(FailureMessage<Failure>([&] { (void)Path().back(); }),
-              u"TPathCore::iterator trying to decrement beyond beginning.");
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { ++path.end(); }), AtEnd);
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { (void)Path().back(); }), AtBegin);
     EXPECT_EQ(Path().front(), u"");
-    EXPECT_TRUE(Path().toVector().empty());
 
     Path::iterator none;
     EXPECT_TRUE(none == Path::iterator() && *none == u"" && none != path.begin());
-    EXPECT_EQ(FailureMessage<Failure>([&] { none++; }),
-              u"TPathCore::iterator trying to increment beyond end.");
-    EXPECT_EQ(FailureMessage<Failure>([&] { none--; }),
-              u"TPathCore::iterator trying to decrement beyond beginning.");
-    EXPECT_EQ(
-        std::vector<TStringCore>(std::reverse_iterator(path.end()), std::reverse_iterator(path.begin())),
-        (std::vector<TStringCore>{u"b", u"a", u"/", u"C:"}));
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { none++; }), AtEnd);
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { none--; }), AtBegin);
 }
 
 TEST(TPathCoreIterator, OfAPathThatHasChanged)
 {
-    using Failure = TPathCore::Exception;
     Path path = u"abc/de/f";
     Path::iterator at = ++path.begin();
-    Path::iterator const end = path.end();
     path = u"a";
     EXPECT_EQ(*at, u"de");
-    EXPECT_EQ(FailureMessage<Failure>([&] { ++at; }), u"Element position out of range.");
-    EXPECT_EQ(FailureMessage<Failure>([&] { --at; }), u"Separator position out of range.");
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { ++at; }), u"Element position out of range.");
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { --at; }), u"Separator position out of range.");
     path = u"abcdefg";
-    EXPECT_EQ(FailureMessage<Failure>([&] { --at; }), u"TPathCore::iterator out of sync in prev.");
-    EXPECT_EQ(*++at, u"");
-    EXPECT_TRUE(at == path.end() && at != end);
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { --at; }), u"TPathCore::iterator out of sync in prev.");
+    EXPECT_TRUE(*++at == u"" && at == path.end());
 }
 
 /// Not inlined, so that it has a frame.
@@ -291,18 +234,14 @@ TEST(TPathCoreIterator, OfAPathThatHasChanged)
 
 TEST(TPathCoreException, KeepsItsTypeAndItsCallStack)
 {
-    Path::Exception const failure(u"message", false);
-    EXPECT_EQ(failure.GetMessagesVector(), std::vector<TStringCore>{u"message"});
-    std::unique_ptr<VantrelException> const clone(failure.Clone());
-    EXPECT_THROW(clone->Throw(), Path::Exception);
+    std::unique_ptr<VantrelException> const clone(Path::Exception(u"message", false).Clone());
+    EXPECT_EQ(FailureMessage<Path::Exception>([&] { clone->Throw(); }), u"message");
 
     std::vector<TStringCore> const messages = FailureWithCallStack().GetMessagesVector();
     ASSERT_GT(messages.size(), 4u);
     EXPECT_EQ(messages[0], u"message");
     EXPECT_TRUE(messages[1].startsWith(u"0x00000000 ") && messages[1].contains(u"Exception"));
-    EXPECT_TRUE(messages[2].startsWith(u"0x00000001 "));
     // Where programs have no symbols, there is but the address.
     EXPECT_TRUE(messages[2].contains(u"FailureWithCallStack") || messages[2].contains(u"not available"));
-    for (TStringCore const &line : messages)
-        EXPECT_FALSE(line.contains(u"StackWalker")) << testing::PrintToString(line);
+    EXPECT_FALSE(TStringCore::join(messages, u"").contains(u"StackWalker"));
 }
