@@ -23,7 +23,7 @@ TEST(CrashHandler, LetsTheProgramEndAsWithoutIt)
         CrashRun const run(row.kind, {"without-dump"});
         EXPECT_TRUE(run.result.WasEndedBy(row.signal)) << row.kind << ' ' << run.result.signal;
         EXPECT_TRUE(run.IsTextComplete()) << row.kind;
-        EXPECT_TRUE(run.folder.Files(".dmp").empty());
+        EXPECT_TRUE(run.Files(".dmp").empty());
     }
     // The handler that was there before gets the signal, and what came with it.
     CrashRun const previous("null", {"previous"});
@@ -47,7 +47,7 @@ TEST(CrashHandler, WritesWhatCanBeWritten)
     CrashRun const fullDisk("null", {}, limit(RLIMIT_FSIZE, 600));
     EXPECT_TRUE(fullDisk.result.WasEndedBy(SIGSEGV)) << fullDisk.result.signal;
     EXPECT_EQ(fullDisk.text.size(), 600U);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(fullDisk.folder.Path()), {}), 1) << "no dump";
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(fullDisk.folder), {}), 1) << "no dump";
 
     for (char const *const folder : {"/proc", "/nowhere/at/all"})
     {
@@ -60,12 +60,12 @@ TEST(CrashHandler, WritesWhatCanBeWritten)
     std::printf("not without file descriptors: the address sanitizer opens files in the handler\n");
 #else
     CrashRun const noDescriptors("null", {"no-descriptors"});
-    EXPECT_TRUE(noDescriptors.IsTextComplete() && noDescriptors.folder.Files(".dmp").size() == 1);
+    EXPECT_TRUE(noDescriptors.IsTextComplete() && noDescriptors.Files(".dmp").size() == 1);
 #endif
 
     CrashRun const toDescriptor("null", {"to-output"});
     EXPECT_TRUE(toDescriptor.output.ends_with("end of crash report\n"));
-    EXPECT_TRUE(toDescriptor.folder.Files(".txt").empty());
+    EXPECT_TRUE(toDescriptor.Files(".txt").empty());
 
     // Nobody reads the text, and the handler does not wait for that.
     CrashRun const full("null", {"to-full-pipe"});
@@ -97,10 +97,9 @@ TEST(CrashHandler, WritesAddressesWhereThereIsNoCopyOfTheProcess)
 TEST(CrashHandler, WritesDumpsThatADebuggerOpens)
 {
     CrashRun const run("terminate");
-    ASSERT_EQ(run.folder.Files(".dmp").size(), 1U);
-    ExpectStacksInDebugger(run.folder.Files(".dmp").front(), {{"ThrowUncaught", "main"}});
+    ASSERT_EQ(run.Files(".dmp").size(), 1U);
+    ExpectStacksInDebugger(run.Files(".dmp").front(), {{"ThrowUncaught", "main"}});
     CrashRun const deep("thread-stack");
-    ASSERT_EQ(deep.folder.Files(".dmp").size(), 1U);
-    ExpectStacksInDebugger(deep.folder.Files(".dmp").front(),
-                           {{"ExhaustStack"}, {"ExhaustStackOfThread", "main"}});
+    ASSERT_EQ(deep.Files(".dmp").size(), 1U);
+    ExpectStacksInDebugger(deep.Files(".dmp").front(), {{"ExhaustStack"}, {"ExhaustStackOfThread", "main"}});
 }

@@ -3,7 +3,6 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <thread>
 #include <unistd.h>
@@ -41,22 +40,16 @@ void (*volatile g_noFunction)() = nullptr;
         chunk = std::malloc(Size);
 }
 
-/// Of a module that is loaded after the handler was installed.
-void CrashInLoadedModule()
-{
-    void *const module = dlopen(VANSYS_CRASH_MODULE, RTLD_NOW);
-    reinterpret_cast<void (*)()>(dlsym(module, "CrashInModule"))();
-    g_zero = 0;
-}
-
 void ExitWhenSignalIsWhole(int, siginfo_t *info, void *)
 {
     _exit(info->si_code == SEGV_MAPERR && info->si_addr == nullptr ? 42 : 43);
 }
 
 constexpr CrashKind Kinds[] = {
-    {"call", &CrashByCall},           {"division", &CrashByDivision},           {"malloc", &CrashInMalloc},
-    {"loaded", &CrashInLoadedModule}, {"sent", [] { kill(getpid(), SIGBUS); }},
+    {"call", &CrashByCall},
+    {"division", &CrashByDivision},
+    {"malloc", &CrashInMalloc},
+    {"sent", [] { kill(getpid(), SIGBUS); }},
 };
 
 } // namespace
