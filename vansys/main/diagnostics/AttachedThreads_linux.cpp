@@ -150,6 +150,10 @@ bool RunProcess(Order &order) noexcept
 void WalkByAttaching(Storages const &storages, Clock::TimePoint deadline) noexcept
 {
     int const savedError = errno;
+    // A process may attach to threads of others just as well.
+    for (StackStorage::Pointer const &storage : storages)
+        if (!storage->IsOfThread())
+            storage->SetState(StackStorage::Gone);
     Order order{storages, deadline};
     bool const couldRun = RunProcess(order);
     if (!couldRun)

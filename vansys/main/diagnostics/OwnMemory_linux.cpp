@@ -1,5 +1,6 @@
 #include "main/diagnostics/OwnMemory_linux.h"
 
+#include <bit>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -29,14 +30,14 @@ bool IsReadable(std::uintptr_t address) noexcept
 {
     for (std::size_t offset = 0; offset < size; offset += sizeof(std::uintptr_t))
         *reinterpret_cast<std::uintptr_t *>(to + offset) =
-            *reinterpret_cast<std::uintptr_t const volatile *>(from + offset);
+            *std::bit_cast<std::uintptr_t const volatile *>(from + offset);
 }
 
 /// The memory lies in one page.
 bool ReadWithinPage(std::uintptr_t address, unsigned char *to, std::size_t size) noexcept
 {
     iovec const local{to, size};
-    iovec const remote{reinterpret_cast<void *>(address), size};
+    iovec const remote{std::bit_cast<void *>(address), size};
     // By its number: the sanitizers take the function for an access of theirs.
     long const read = syscall(SYS_process_vm_readv, getpid(), &local, 1, &remote, 1, 0);
     if (read >= 0 || errno == EFAULT)

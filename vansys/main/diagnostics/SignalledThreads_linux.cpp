@@ -80,21 +80,13 @@ int Ask(StackStorage &storage, int signal) noexcept
     return error;
 }
 
-bool IsGone(StackStorage const &storage) noexcept
-{
-    int const savedError = errno;
-    bool const isGone = syscall(SYS_tgkill, getpid(), storage.ThreadId(), 0) != 0 && errno == ESRCH;
-    errno = savedError;
-    return isGone;
-}
-
 /// Unmaps what is of no use any more: the thread has answered, or never will.
 void DropLate() noexcept
 {
     for (StackStorage **link = &g_late; *link;)
     {
         StackStorage *const storage = *link;
-        if (storage->GetState() == StackStorage::Asked && !IsGone(*storage))
+        if (storage->GetState() == StackStorage::Asked && storage->IsOfThread())
         {
             link = &storage->next;
             continue;

@@ -1,9 +1,11 @@
 #include "main/diagnostics/StoppedThreads_linux.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <new>
-
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace vansys::detail
 {
@@ -20,6 +22,15 @@ StackStorage::Pointer StackStorage::Map(unsigned threadId)
     if (memory == MAP_FAILED)
         throw std::bad_alloc();
     return Pointer(new (memory) StackStorage(threadId));
+}
+
+bool StackStorage::IsOfThread() const noexcept
+{
+    int const savedError = errno;
+    constexpr int NoSignal = 0;
+    bool const isOfThread = tgkill(getpid(), ThreadId(), NoSignal) == 0;
+    errno = savedError;
+    return isOfThread;
 }
 
 void StackStorage::Answer(Registers const &registers) noexcept

@@ -44,6 +44,9 @@ public:
     State GetState() const noexcept { return static_cast<State>(m_state.load(std::memory_order_acquire)); }
     void SetState(State state) noexcept { m_state.store(state, std::memory_order_release); }
 
+    /// Whether there is such a thread in this process.
+    bool IsOfThread() const noexcept;
+
     /// Puts the frames of that stack here, and wakes who waits, who may unmap this at once. Safe in signal
     /// handlers.
     void Answer(Registers const &registers) noexcept;

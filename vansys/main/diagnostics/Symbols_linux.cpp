@@ -1,5 +1,6 @@
 #include "main/diagnostics/DebugFile_linux.h"
 #include "main/diagnostics/LoadedModules_linux.h"
+#include "main/diagnostics/SymbolCache.h"
 #include "main/diagnostics/Symbols.h"
 #include "main/diagnostics/UndecoratedName.h"
 
@@ -10,7 +11,6 @@
 #include <mutex>
 #include <new>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -21,51 +21,6 @@ namespace vansys::detail
 
 namespace
 {
-
-/// Symbols by address. Bounded: what was not asked for while `HalfSize` others were is dropped.
-class SymbolCache
-{
-public:
-    Symbol const *Find(std::uintptr_t address)
-    {
-        auto const recent = m_recent.find(address);
-        if (recent != m_recent.end())
-            return &recent->second;
-        Symbols::node_type older = m_older.extract(address);
-        if (older.empty())
-            return nullptr;
-        MakeRoom();
-        return &m_recent.insert(std::move(older)).position->second;
-    }
-
-    void Insert(std::uintptr_t address, Symbol const &symbol)
-    {
-        MakeRoom();
-        m_recent.emplace(address, symbol);
-    }
-
-    void Clear() noexcept
-    {
-        m_recent.clear();
-        m_older.clear();
-    }
-
-private:
-    using Symbols = std::unordered_map<std::uintptr_t, Symbol>;
-
-    static constexpr std::size_t HalfSize = 4096;
-
-    void MakeRoom() noexcept
-    {
-        if (m_recent.size() < HalfSize)
-            return;
-        m_older.clear();
-        m_older.swap(m_recent);
-    }
-
-    Symbols m_recent;
-    Symbols m_older;
-};
 
 /// What is known about the modules that are loaded. Used by one thread at a time.
 class SymbolTable

@@ -1,6 +1,7 @@
 #include "main/diagnostics/Symbols.h"
 
 #include "main/diagnostics/DebugHelp_win.h"
+#include "main/diagnostics/SymbolCache.h"
 #include "main/diagnostics/SymbolMaps_win.h"
 
 #include <array>
@@ -135,12 +136,20 @@ Symbol LookUpSymbol(std::uintptr_t address) noexcept
         if (!g_modulesLoaded && !StartSymbolHandler({}))
             return symbol;
         LookUpModule(symbol, address);
+        // An address may be another module's by now.
+        static SymbolCache &s_cache = *new SymbolCache; // stays: exit handlers may look up symbols, too
+        Symbol const *const known = s_cache.Find(address);
+        if (known && known->moduleBase == symbol.moduleBase && known->imagePath == symbol.imagePath)
+            return *known;
         LookUpFunction(symbol, address);
         LookUpLine(symbol, address);
         // Of a module that is not described in the symbol handler's own format, it knows at most what is
         // exported.
         if (symbol.line == 0)
             LookUpInSymbolMap(address, symbol);
+        if (known)
+            s_cache.Clear();
+        s_cache.Insert(address, symbol);
     }
     catch (std::bad_alloc const &)
     {

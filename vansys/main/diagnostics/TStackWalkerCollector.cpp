@@ -1,11 +1,13 @@
 #include "vansys/TStackWalkerCollector.h"
 
-TStackWalkerCollector::TStackWalkerCollector() : TStackWalker(reinterpret_cast<TProcessHandle>(-1), 0) {}
+#include "main/diagnostics/Frames.h"
+
+TStackWalkerCollector::TStackWalkerCollector() : TStackWalker(nullptr, vansys::detail::CurrentProcessId()) {}
 
 TStackWalkerCollector::TStackWalkerCollector(TStackWalkerCollector const &) = default;
-TStackWalkerCollector::TStackWalkerCollector(TStackWalkerCollector &&) = default;
+TStackWalkerCollector::TStackWalkerCollector(TStackWalkerCollector &&) noexcept = default;
 TStackWalkerCollector &TStackWalkerCollector::operator=(TStackWalkerCollector const &) = default;
-TStackWalkerCollector &TStackWalkerCollector::operator=(TStackWalkerCollector &&) = default;
+TStackWalkerCollector &TStackWalkerCollector::operator=(TStackWalkerCollector &&) noexcept = default;
 TStackWalkerCollector::~TStackWalkerCollector() = default;
 
 void TStackWalkerCollector::OnOutput(char const *line)

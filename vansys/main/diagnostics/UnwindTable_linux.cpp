@@ -1,5 +1,6 @@
 #include "main/diagnostics/UnwindTable_linux.h"
 
+#include <bit>
 #include <dlfcn.h>
 
 namespace vansys::detail
@@ -25,7 +26,7 @@ void TableReader::Skip(std::int64_t count) noexcept
 TableReader TableReader::At(std::uintptr_t address) const noexcept
 {
     TableReader reader = *this;
-    reader.m_position = reinterpret_cast<unsigned char const *>(address);
+    reader.m_position = std::bit_cast<unsigned char const *>(address);
     if (reader.m_position < m_begin || reader.m_position >= m_end)
     {
         reader.m_position = m_begin;
@@ -223,7 +224,7 @@ bool FindFunction(std::uintptr_t instruction, Function &function) noexcept
         std::int32_t entry;
     };
     dl_find_object found{};
-    if (_dl_find_object(reinterpret_cast<void *>(instruction), &found) != 0 || !found.dlfo_eh_frame)
+    if (_dl_find_object(std::bit_cast<void *>(instruction), &found) != 0 || !found.dlfo_eh_frame)
         return false;
     TableReader const module(static_cast<unsigned char const *>(found.dlfo_map_start),
                              static_cast<unsigned char const *>(found.dlfo_map_end));
@@ -505,7 +506,7 @@ private:
 bool IsInModule(std::uintptr_t instruction) noexcept
 {
     dl_find_object found{};
-    return _dl_find_object(reinterpret_cast<void *>(instruction), &found) == 0;
+    return _dl_find_object(std::bit_cast<void *>(instruction), &found) == 0;
 }
 
 bool FindFrameLayout(std::uintptr_t instruction, FrameLayout &layout) noexcept

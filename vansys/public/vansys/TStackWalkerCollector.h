@@ -18,9 +18,9 @@ class VANSYS_API TStackWalkerCollector : public TStackWalker
 public:
     TStackWalkerCollector();
     TStackWalkerCollector(TStackWalkerCollector const &);
-    TStackWalkerCollector(TStackWalkerCollector &&);
+    TStackWalkerCollector(TStackWalkerCollector &&) noexcept;
     TStackWalkerCollector &operator=(TStackWalkerCollector const &);
-    TStackWalkerCollector &operator=(TStackWalkerCollector &&);
+    TStackWalkerCollector &operator=(TStackWalkerCollector &&) noexcept;
     ~TStackWalkerCollector() override;
 
     /// Adds the line to the list.
