@@ -4,8 +4,8 @@
 #include "main/diagnostics/OwnMemory_linux.h"
 #include "main/diagnostics/Symbols.h"
 
+#include "diagnostics/WalkedThread.h"
 #include "support/FailingAllocations.h"
-#include "vansys/TStackWalkerCollector.h"
 
 #include <gtest/gtest.h>
 
@@ -13,10 +13,11 @@
 #include <csetjmp>
 #include <csignal>
 #include <cstdint>
+#include <functional>
+#include <latch>
 #include <new>
 #include <random>
 #include <sys/mman.h>
-#include <thread>
 #include <vector>
 
 namespace walked
@@ -177,19 +178,24 @@ TEST(Unwinder, EvaluatesExpressions)
 
 TEST(Unwinder, LeavesWalksFalseWithoutMemory)
 {
-    for (auto const access : {TStackWalker::ThreadAccess::Automatic, TStackWalker::ThreadAccess::Signal})
+    std::latch end(1);
     {
-        TStackWalkerCollector walker;
-        walker.SetThreadAccess(access);
-        int const failures = failEachAllocation([&] { walker.Reset(); },
-                                                [&]
-                                                {
-                                                    if (!walker.GenerateCallstacksForAllThreads())
-                                                        throw std::bad_alloc();
-                                                },
-                                                [] {});
-        EXPECT_GT(failures, 5);
-        EXPECT_FALSE(walker.GetCallstack().empty());
+        WalkedThread const thread([&end] { end.wait(); });
+        RecordingWalker walker;
+        std::function<bool()> const walks[] = {[&] { return walker.GenerateCallstacksForAllThreads(); },
+                                               [&] { return walker.GenerateCallstack(thread.Id()); }};
+        for (std::function<bool()> const &walk : walks)
+        {
+            auto const throwing = [&walk]
+            {
+                if (!walk())
+                    throw std::bad_alloc();
+            };
+            EXPECT_GT(failEachAllocation([&] { walker.Reset(); }, throwing, [] {}), 3);
+            EXPECT_FALSE(walker.GetCallstack().empty());
+            walker.SetThreadAccess(TStackWalker::ThreadAccess::Signal);
+        }
+        end.count_down();
     }
 }
 

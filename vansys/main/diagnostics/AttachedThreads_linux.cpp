@@ -73,9 +73,8 @@ void TakeStack(StackStorage &storage, int status) noexcept
 }
 
 /// What the process does. In the end, the kernel detaches it from whatever has not stopped.
-int WalkAttached(void *argument) noexcept
+void WalkAttached(Order const &order) noexcept
 {
-    Order const &order = *static_cast<Order const *>(argument);
     std::size_t awaited = 0;
     for (StackStorage::Pointer const &storage : order.storages)
         if (Attach(*storage))
@@ -102,7 +101,6 @@ int WalkAttached(void *argument) noexcept
             syscall(SYS_nanosleep, &Moment, nullptr);
         }
     }
-    return 0;
 }
 
 /// Has all signals blocked while it exists, those that the C library keeps for itself included.
@@ -122,20 +120,50 @@ private:
     std::uint64_t m_before = 0;
 };
 
+/// Makes the process, on a stack that ends there, and returns its id when it has ended; a negative number
+/// when it cannot be made. By the call itself: the thread sanitizer takes the C library's function for a
+/// fork.
+long RunWalkAttached(Order const &order, void *stackEnd) noexcept
+{
+    auto *const stack = static_cast<void const **>(stackEnd) - 2;
+    stack[0] = reinterpret_cast<void const *>(&WalkAttached);
+    stack[1] = &order;
+    constexpr long NoSignal = 0;
+    constexpr long Flags = CLONE_VM | CLONE_VFORK | CLONE_FS | CLONE_FILES | CLONE_UNTRACED | NoSignal;
+    register long const unusedChild asm("r10") = 0;
+    register long const unusedThreadPointer asm("r8") = 0;
+    long result = SYS_clone;
+    asm volatile("syscall\n\t"
+                 "test %%rax, %%rax\n\t"
+                 "jnz 1f\n\t"
+                 "xor %%ebp, %%ebp\n\t"
+                 "pop %%rax\n\t"
+                 "pop %%rdi\n\t"
+                 "call *%%rax\n\t"
+                 "xor %%edi, %%edi\n\t"
+                 "mov %[exit], %%eax\n\t"
+                 "syscall\n\t"
+                 "hlt\n"
+                 "1:"
+                 : "+a"(result)
+                 : "D"(Flags), "S"(stack), "d"(0L), "r"(unusedChild),
+                   "r"(unusedThreadPointer), [exit] "i"(SYS_exit)
+                 : "rcx", "r11", "memory");
+    return result;
+}
+
 /// Returns when the process has ended. False when there is none.
-bool RunProcess(Order &order) noexcept
+bool RunProcess(Order const &order) noexcept
 {
     constexpr std::size_t StackSize = std::size_t{256} << 10;
     void *const stack =
         mmap(nullptr, StackSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (stack == MAP_FAILED)
         return false;
-    pid_t process = -1;
+    long process = -1;
     {
         BlockedSignals const blocked;
-        constexpr int NoSignal = 0;
-        process = clone(WalkAttached, static_cast<char *>(stack) + StackSize,
-                        CLONE_VM | CLONE_VFORK | CLONE_FS | CLONE_FILES | CLONE_UNTRACED | NoSignal, &order);
+        process = RunWalkAttached(order, static_cast<char *>(stack) + StackSize);
         // Only calls that ask for such processes find it. If the host has one that asks for all, it may be
         // first.
         if (process > 0)
@@ -154,7 +182,7 @@ void WalkByAttaching(Storages const &storages, Clock::TimePoint deadline) noexce
     for (StackStorage::Pointer const &storage : storages)
         if (!storage->IsOfThread())
             storage->SetState(StackStorage::Gone);
-    Order order{storages, deadline};
+    Order const order{storages, deadline};
     bool const couldRun = RunProcess(order);
     if (!couldRun)
         ReplaceState(storages, StackStorage::Asked, StackStorage::Refused);
