@@ -102,11 +102,17 @@ constexpr bool HandlersWaitForCalls = false;
     KeepFrame();
 }
 
+Shared *g_shared = nullptr;
+
+void Handle(int)
+{
+    Waiting(*g_shared);
+}
+
 [[gnu::noinline]] void Handling(Shared &shared)
 {
-    static Shared *s_shared;
-    s_shared = &shared;
-    std::signal(SIGUSR1, [](int) { Waiting(*s_shared); });
+    g_shared = &shared;
+    std::signal(SIGUSR1, Handle);
     std::raise(SIGUSR1);
     KeepFrame();
 }
@@ -165,7 +171,7 @@ protected:
         do
         {
             m_walker.Reset();
-            ASSERT_TRUE(m_walker.GenerateCallstack(thread.Id()));
+            ASSERT_TRUE(m_walker.GenerateCallstack(thread.Id())) << function;
         } while (m_walker.Count(function) == 0);
     }
 
@@ -183,6 +189,8 @@ INSTANTIATE_TEST_SUITE_P(, StoppedThreads, testing::Values(Access::Automatic, Ac
 
 TEST_P(StoppedThreads, AreSeenFiftyAtATime)
 {
+    if (walked::HandlersWaitForCalls && GetParam() == Access::Signal)
+        GTEST_SKIP() << "the thread sanitizer puts handlers off while a thread reads";
     struct Kind
     {
         void (*function)(Shared &);
@@ -236,6 +244,8 @@ TEST_P(StoppedThreads, AreSeenFiftyAtATime)
 
 TEST_P(StoppedThreads, AreSeenInHandlersWithoutTheTrampoline)
 {
+    if (walked::HandlersWaitForCalls && GetParam() == Access::Signal)
+        GTEST_SKIP() << "the thread sanitizer runs no handler in a handler";
     Shared shared;
     {
         WalkedThread const thread([&] { walked::Handling(shared); });

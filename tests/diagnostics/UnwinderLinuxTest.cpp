@@ -10,14 +10,15 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <csetjmp>
 #include <csignal>
 #include <cstdint>
 #include <functional>
-#include <latch>
 #include <new>
 #include <random>
 #include <sys/mman.h>
+#include <unistd.h>
 #include <vector>
 
 namespace walked
@@ -178,9 +179,14 @@ TEST(Unwinder, EvaluatesExpressions)
 
 TEST(Unwinder, LeavesWalksFalseWithoutMemory)
 {
-    std::latch end(1);
+    std::atomic<bool> isOver(false);
     {
-        WalkedThread const thread([&end] { end.wait(); });
+        WalkedThread const thread(
+            [&isOver]
+            {
+                while (!isOver)
+                    usleep(1000);
+            });
         RecordingWalker walker;
         std::function<bool()> const walks[] = {[&] { return walker.GenerateCallstacksForAllThreads(); },
                                                [&] { return walker.GenerateCallstack(thread.Id()); }};
@@ -195,7 +201,7 @@ TEST(Unwinder, LeavesWalksFalseWithoutMemory)
             EXPECT_FALSE(walker.GetCallstack().empty());
             walker.SetThreadAccess(TStackWalker::ThreadAccess::Signal);
         }
-        end.count_down();
+        isOver = true;
     }
 }
 
