@@ -149,7 +149,9 @@ Symbol LookUpSymbol(std::uintptr_t address) noexcept
             LookUpInSymbolMap(address, symbol);
         if (known)
             s_cache.Clear();
-        s_cache.Insert(address, symbol);
+        Symbol kept = symbol;
+        kept.notice.clear(); // is given once
+        s_cache.Insert(address, kept);
     }
     catch (std::bad_alloc const &)
     {
