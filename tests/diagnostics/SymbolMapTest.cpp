@@ -42,21 +42,18 @@ TEST(SymbolMap, FindsFunctionsFilesAndLines)
         std::uint32_t line;
     };
     constexpr char const *Count = "(anonymous namespace)::Count(char const*)";
-    constexpr Row Rows[] = {
-        {0, "", "", "", 0},
-        {0xFFF, "", "", "", 0},
-        {0x1000, Count, "(anonymous namespace)::Count", "sample.cpp", 7},
-        {0x100F, Count, "(anonymous namespace)::Count", "sample.cpp", 9},
-        {0x1030, "Length", "Length", "sample.cpp", 24},
-        {0x1048, "Area", "Area", "shapes.h", 8}, // inlined into it
-        {0x1050, "Area", "Area", "sample.cpp", 19},
-        {0x1064, "Area", "Area", "", 0}, // fills the room up to the next function
-        {0x1082, "int shapes::Cube<int>(int)", "shapes::Cube<int>", "shapes.h", 16},
-        {0x1083, "int shapes::Cube<int>(int)", "shapes::Cube<int>", "shapes.h",
-         17},                    // begins the second block
-        {0x10A0, "", "", "", 0}, // behind the code
-        {0xFFFFFFFF, "", "", "", 0},
-    };
+    constexpr Row Rows[] = {{0, "", "", "", 0},
+                            {0xFFF, "", "", "", 0},
+                            {0x1000, Count, "(anonymous namespace)::Count", "sample.cpp", 7},
+                            {0x100F, Count, "(anonymous namespace)::Count", "sample.cpp", 9},
+                            {0x1030, "Length", "Length", "sample.cpp", 24},
+                            {0x1048, "Area", "Area", "shapes.h", 8},
+                            {0x1050, "Area", "Area", "sample.cpp", 19},
+                            {0x1064, "Area", "Area", "", 0},
+                            {0x1082, "int shapes::Cube<int>(int)", "shapes::Cube<int>", "shapes.h", 16},
+                            {0x1083, "int shapes::Cube<int>(int)", "shapes::Cube<int>", "shapes.h", 17},
+                            {0x10A0, "", "", "", 0},
+                            {0xFFFFFFFF, "", "", "", 0}};
     std::string const bytes = SampleBytes();
     SymbolMap map;
     ASSERT_EQ(map.Open(bytes, Sample), Fault::None);
@@ -86,13 +83,16 @@ TEST(SymbolMap, RefusesWhatIsDamagedOrForeign)
         EXPECT_EQ(map.Open(bytes, Sample), isVersion ? Fault::OtherVersion : Fault::Damaged) << offset;
         EXPECT_EQ(map.Find(0x1000).function, "");
     }
-    // Tables longer than the file, though the checksum is right.
+    // Tables that are longer than the file, or that leave some of it, though the checksum is right.
     for (std::size_t offset = 36; offset < 56; offset += 4)
     {
-        std::string bytes = sound;
-        WriteWord(bytes, offset, 0xFFFFFFFF);
-        WriteWord(bytes, 12, Crc32(std::string_view(bytes).substr(16)));
-        EXPECT_EQ(map.Open(bytes, Sample), Fault::Damaged) << offset;
+        for (std::uint32_t const size : {0u, 1u, 0xFFFFFFFFu})
+        {
+            std::string bytes = sound;
+            WriteWord(bytes, offset, size);
+            WriteWord(bytes, 12, Crc32(std::string_view(bytes).substr(16)));
+            EXPECT_EQ(map.Open(bytes, Sample), Fault::Damaged) << offset;
+        }
     }
     ModuleIdentity other = Sample;
     other.age = 2;

@@ -4,10 +4,9 @@
 
 #include "vansys/TStackWalkerCollector.h"
 
-#include "support/Latch.h"
-
 #include <algorithm>
 #include <functional>
+#include <latch>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -61,11 +60,11 @@ public:
                   RecordingWalker walker;
                   walker.GenerateCallstack();
                   m_id = walker.walkedThreadId;
-                  m_start.CountDown();
+                  m_start.count_down();
                   function();
               })
     {
-        m_start.Wait();
+        m_start.wait();
     }
     ~WalkedThread() { m_thread.join(); }
 
@@ -73,6 +72,6 @@ public:
 
 private:
     unsigned m_id = 0;
-    Latch m_start{1};
+    std::latch m_start{1};
     std::thread m_thread;
 };

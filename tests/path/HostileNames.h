@@ -43,7 +43,6 @@ void VisitHostileNames(Visit const &visit)
               {u"nul",        u"CON",       u"con",    u"PrN",       u"AUX",           u"Nul.txt",
                u"aux.tar.gz", u"con .txt",  u"a/nul",  u"nul/a",     u"a\\COM1",       u"com0",
                u"COM9.log",   u"lpt1",      u"LPT9.x", u"COM\u00B9", u"com\u00B2.txt", u"LPT\u00B3",
-               u"CONIN$",     u"conout$.x", u"CLOCK$", u"prn  .a",   u"NUL..x",        u"a/b/aux.c"}},
-         })
+               u"CONIN$",     u"conout$.x", u"CLOCK$", u"prn  .a",   u"NUL..x",        u"a/b/aux.c"}}})
         visit(group);
 }

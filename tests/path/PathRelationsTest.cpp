@@ -6,77 +6,47 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <vector>
 
 using Path = TPathCore;
 
-TEST(PathRelations, NormalForm)
+namespace
 {
-    struct Row
-    {
-        TStringCore path;
-        TStringCore normal;
-    };
-    for (Row const &row : std::initializer_list<Row>{
-             {u"", u""},
-             {u".", u"."},
-             {u"a/./b//c/", u"a/b/c"},
-             {u"a/../b", u"b"},
-             {u"a/../../b/..", u".."},
-             {u"a/..", u"."},
-             {u"../../a", u"../../a"},
-             {u"C:/../a", u"C:/a"},
-             {u"C:a/../..", u"C:.."},
-             {u"C:.", u"C:"},
-             {u"/..", u"/"},
-             {u"//srv/share/../a", u"//srv/share/a"},
-             {u"//srv/../a/..", u"//srv/a"},
-             {u"//srv/.", u"//srv/"},
-             {u"a/../C:/b", u"./C:/b"},
-             {u"./C:", u"./C:"},
-             {u"x/C:", u"x/C:"},
-             {u"//?/C:/a/../b//.", u"//?/C:/a/../b/."},
-             {u"//?/a/../b", u"//?/a/../b"},
-             {u"...", u"..."},
-         })
-        EXPECT_EQ(Path(row.path).LexicallyNormal().GenericString(), row.normal)
-            << testing::PrintToString(row.path);
+
+/// The parts of a row, which "|" is between.
+std::vector<TStringCore> Parts(TStringCore const &row)
+{
+    return row.split(u'|');
 }
 
+} // namespace
+
+// Each row is a path and its normal form.
+TEST(PathRelations, NormalForm)
+{
+    TStringCore const rows = u"| .|. a/./b//c/|a/b/c a/../b|b a/../../b/..|.. a/..|. ../../a|../../a "
+                             u"C:/../a|C:/a C:a/../..|C:.. C:.|C: /..|/ //srv/share/../a|//srv/share/a "
+                             u"//srv/../a/..|//srv/a //srv/.|//srv/ a/../C:/b|./C:/b ./C:|./C: x/C:|x/C: "
+                             u"//?/C:/a/../b//.|//?/C:/a/../b/. //?/a/../b|//?/a/../b ...|...";
+    for (TStringCore const &row : rows.split(u' '))
+        EXPECT_EQ(Path(Parts(row)[0]).LexicallyNormal().GenericString(), Parts(row)[1]);
+}
+
+// Each row is a path, a base, the way from there, which is empty where the text does not tell, and whether it
+// is under it.
 TEST(PathRelations, WayFromOneToTheOther)
 {
-    struct Row
+    for (TStringCore const row :
+         {u"C:/a/b|C:/a|b|under", u"c:/A/b|C:/a|b|under", u"C:/a|C:/a|.|under", u"C:/a/../b|C:/a|../b",
+          u"/a/bc|/a/b|../bc", u"a/b||a/b|under", u"|a/b|../..", u"../a||../a", u"a|..|", u"../../a|..|../a",
+          u"/a|a|", u"C:a|C:|a|under", u"C:/a|C:|", u"C:/a|D:/a|", u"//srv/x/a|//srv/x/b|../a",
+          u"//srv/x|//srv|x|under", u"//srv/x/a|//srv/y/a|", u"a/C:/x|a|./C:/x|under",
+          u"//?/C:/a/../b|//?/C:/a|../b"})
     {
-        TStringCore path;
-        TStringCore base;
-        TStringCore relative; ///< empty: the text does not tell
-        bool isUnder;
-    };
-    for (Row const &row : std::initializer_list<Row>{
-             {u"C:/a/b", u"C:/a", u"b", true},
-             {u"c:/A/b", u"C:/a", u"b", true}, // case is disregarded
-             {u"C:/a", u"C:/a", u".", true},
-             {u"C:/a/../b", u"C:/a", u"../b", false},
-             {u"/a/bc", u"/a/b", u"../bc", false},
-             {u"a/b", u"", u"a/b", true},
-             {u"", u"a/b", u"../..", false},
-             {u"../a", u"", u"../a", false},
-             {u"a", u"..", u"", false},
-             {u"../../a", u"..", u"../a", false},
-             {u"/a", u"a", u"", false},
-             {u"C:a", u"C:", u"a", true},
-             {u"C:/a", u"C:", u"", false},
-             {u"C:/a", u"D:/a", u"", false},
-             {u"//srv/x/a", u"//srv/x/b", u"../a", false},
-             {u"//srv/x", u"//srv", u"x", true},
-             {u"//srv/x/a", u"//srv/y/a", u"", false},
-             {u"a/C:/x", u"a", u"./C:/x", true},
-             {u"//?/C:/a/../b", u"//?/C:/a", u"../b", false},
-         })
-    {
-        EXPECT_EQ(Path(row.path).RelativeTo(row.base).GenericString(), row.relative)
-            << testing::PrintToString(row.path) << testing::PrintToString(row.base);
-        EXPECT_EQ(Path(row.path).IsUnder(row.base), row.isUnder)
-            << testing::PrintToString(row.path) << testing::PrintToString(row.base);
+        std::vector<TStringCore> const parts = Parts(row);
+        EXPECT_EQ(Path(parts[0]).RelativeTo(parts[1]).GenericString(), parts[2])
+            << testing::PrintToString(row);
+        EXPECT_EQ(Path(parts[0]).IsUnder(parts[1]), parts.size() == 4) << testing::PrintToString(row);
     }
     EXPECT_FALSE(Path(u"/A/b").IsUnder(u"/a", TStringCore::CaseSensitive));
     EXPECT_EQ(Path(u"/A/b").RelativeTo(u"/a", TStringCore::CaseSensitive).GenericString(), u"../A/b");

@@ -2,9 +2,8 @@
 /// Several threads that do the same things in random order.
 #pragma once
 
-#include "support/Latch.h"
-
 #include <chrono>
+#include <latch>
 #include <random>
 #include <thread>
 #include <vector>
@@ -17,7 +16,7 @@ using StressRandom = std::minstd_rand;
 template <class Round>
 void RunStress(int count, Round round)
 {
-    Latch start(count);
+    std::latch start(count);
     std::vector<std::thread> threads;
     for (int number = 1; number <= count; ++number)
     {
@@ -25,7 +24,7 @@ void RunStress(int count, Round round)
             [&start, &round, number]
             {
                 StressRandom random(static_cast<StressRandom::result_type>(number));
-                start.ArriveAndWait();
+                start.arrive_and_wait();
                 auto const end = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
                 while (std::chrono::steady_clock::now() < end)
                 {
