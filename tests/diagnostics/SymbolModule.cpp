@@ -13,6 +13,8 @@ namespace VANSYS_PROBE
 
 void Outer(SymbolModuleCall call, void *argument)
 {
+    char volatile room[VANSYS_ROOM]; // what the two builds differ in
+    room[0] = 0;
     Inner(call, argument);
 }
 

@@ -10,7 +10,8 @@ namespace vansys::detail
 
 /// Writes the return addresses on the stack of the calling thread to `addresses`, the innermost first: at
 /// most `capacity` of them, after the first `skip` were left out. The first one of all lies in the function
-/// that calls this. Returns how many were written.
+/// that calls this. Of a function that a signal has interrupted, it is the address one byte behind its
+/// instruction, and the frame of the signal trampoline is left out. Returns how many were written.
 ///
 /// Allocates nothing and takes no lock of the library, so that whoever throws, counts allocations or holds a
 /// lock may call it.
