@@ -4,9 +4,10 @@
 
 #include "vansys/TStackWalkerCollector.h"
 
+#include "support/Latch.h"
+
 #include <algorithm>
 #include <functional>
-#include <latch>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -60,11 +61,11 @@ public:
                   RecordingWalker walker;
                   walker.GenerateCallstack();
                   m_id = walker.walkedThreadId;
-                  m_start.count_down();
+                  m_start.CountDown();
                   function();
               })
     {
-        m_start.wait();
+        m_start.Wait();
     }
     ~WalkedThread() { m_thread.join(); }
 
@@ -72,6 +73,6 @@ public:
 
 private:
     unsigned m_id = 0;
-    std::latch m_start{1};
+    Latch m_start{1};
     std::thread m_thread;
 };

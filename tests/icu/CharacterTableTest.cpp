@@ -6,10 +6,11 @@
 #include "vansys/TCType.h"
 #include "vansys/TStringCore.h"
 
+#include "support/Latch.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <barrier>
 #include <thread>
 
 // First, as the tables are empty but once.
@@ -27,10 +28,10 @@ TEST(CharacterTable, AnyThreadMayBeTheFirstToAsk)
     {
         VanICU::setIcuVersion(version);
         std::atomic<int> differences{0};
-        std::barrier start(4);
+        Latch start(4);
         auto const compare = [&](bool upwards)
         {
-            start.arrive_and_wait(); // so that two come to each unfilled part at about the same time
+            start.ArriveAndWait(); // so that two come to each unfilled part at about the same time
             for (int i = 0; i < Units; ++i)
             {
                 int const c = upwards ? i : Units - 1 - i;

@@ -1,8 +1,8 @@
 #include "vansys/ICULocale.h"
 
 #include "icu/Families.h"
+#include "support/Latch.h"
 
-#include <latch>
 #include <set>
 #include <sstream>
 #include <thread>
@@ -101,14 +101,14 @@ TEST(ICULocaleFamilies, ConcurrentCallersGetTheSameObject)
 {
     // No test before this one asks for Korea, so these threads make it. The selector is set meanwhile.
     std::vector<ICULocale const *> seen(4);
-    std::latch start(4);
+    Latch start(4);
     {
         std::vector<std::jthread> threads;
         for (ICULocale const *&slot : seen)
             threads.emplace_back(
                 [&]
                 {
-                    start.arrive_and_wait();
+                    start.ArriveAndWait();
                     slot = &ICULocale::getKorea();
                 });
         setIcuVersion(4);

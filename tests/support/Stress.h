@@ -2,8 +2,9 @@
 /// Several threads that do the same things in random order.
 #pragma once
 
+#include "support/Latch.h"
+
 #include <chrono>
-#include <latch>
 #include <random>
 #include <thread>
 #include <vector>
@@ -16,7 +17,7 @@ using StressRandom = std::minstd_rand;
 template <class Round>
 void RunStress(int count, Round round)
 {
-    std::latch start(count);
+    Latch start(count);
     std::vector<std::thread> threads;
     for (int number = 1; number <= count; ++number)
     {
@@ -24,7 +25,7 @@ void RunStress(int count, Round round)
             [&start, &round, number]
             {
                 StressRandom random(static_cast<StressRandom::result_type>(number));
-                start.arrive_and_wait();
+                start.ArriveAndWait();
                 auto const end = std::chrono::steady_clock::now() + std::chrono::milliseconds(500);
                 while (std::chrono::steady_clock::now() < end)
                 {

@@ -138,7 +138,8 @@ private:
     void stepForward(Marks &marks, std::uint64_t Edges::*kind) const noexcept
     {
         marks.rest &= marks.rest - 1;
-        enterNextWindows(marks, kind);
+        if (__builtin_expect(marks.rest == 0, 0)) // it is once for each walk, or for 64 units
+            enterNextWindows(marks, kind);
     }
 
     /// Until there is a current one: a long name has windows to itself.

@@ -8,6 +8,10 @@
 /// next signal. Resetting it afterwards does not undo that. The same event at two positions is two events,
 /// which are always signalled together.
 ///
+/// A call of `Signal` that is still at its callbacks counts in a call that begins meanwhile, even if the
+/// event has been reset since. So whoever resets an event and waits for it again may find it signalled once
+/// too often, never too rarely: look at what the event stands for, and wait again.
+///
 /// **Auto-reset events** have rules of their own, as each of their signals is for one wait only:
 /// - A `TAutoResetEvent` that is set as the call looks at it does not count in this call, and its signal is
 ///   gone. So signal such an event only when somebody waits, or look at it with `IsSet` before the call.
