@@ -252,9 +252,21 @@ TEST_P(StoppedThreads, AreSeenInHandlersWithoutTheTrampoline)
         WalkInto(thread, "!walked::Waiting");
         EXPECT_EQ(m_walker.Count("!walked::Handling"), 1) << m_walker.Text();
         EXPECT_EQ(m_walker.Count("restore_rt"), 0) << m_walker.Text();
+        EXPECT_EQ(m_walker.Count("clone"), 0) << m_walker.Text(); // the outermost frame
         EXPECT_EQ(m_walker.Count("sigaction"), 0) << m_walker.Text();
         shared.End();
     }
+}
+
+TEST_P(StoppedThreads, AreThoseOfThisProcess)
+{
+    pid_t const child = fork();
+    while (child == 0)
+        pause();
+    EXPECT_FALSE(m_walker.GenerateCallstack(static_cast<unsigned>(child)));
+    EXPECT_TRUE(m_walker.GetCallstack().empty());
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
 }
 
 TEST_P(StoppedThreads, NeedFilesToBeListed)
