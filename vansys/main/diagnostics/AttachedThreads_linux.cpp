@@ -130,8 +130,8 @@ long RunWalkAttached(Order const &order, void *stackEnd) noexcept
     stack[1] = &order;
     constexpr long NoSignal = 0;
     constexpr long Flags = CLONE_VM | CLONE_VFORK | CLONE_FS | CLONE_FILES | CLONE_UNTRACED | NoSignal;
-    register long const unusedChild asm("r10") = 0;
-    register long const unusedThreadPointer asm("r8") = 0;
+    register long unusedChild asm("r10") = 0;
+    register long unusedThreadPointer asm("r8") = 0;
     long result = SYS_clone;
     asm volatile("syscall\n\t"
                  "test %%rax, %%rax\n\t"

@@ -25,8 +25,8 @@ bool IsReadable(std::uintptr_t address) noexcept
 }
 
 /// Copies memory that other code uses without telling the sanitizers.
-[[gnu::no_sanitize("address", "thread")]] void CopyWords(std::uintptr_t from, unsigned char *to,
-                                                         std::size_t size) noexcept
+[[gnu::no_sanitize_address, gnu::no_sanitize_thread]] void CopyWords(std::uintptr_t from, unsigned char *to,
+                                                                     std::size_t size) noexcept
 {
     for (std::size_t offset = 0; offset < size; offset += sizeof(std::uintptr_t))
         *reinterpret_cast<std::uintptr_t *>(to + offset) =

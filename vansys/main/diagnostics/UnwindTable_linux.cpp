@@ -12,7 +12,7 @@ namespace encoding
 constexpr unsigned char Pointer = 0x00, Unsigned = 0x01, Unsigned2 = 0x02, Unsigned4 = 0x03, Unsigned8 = 0x04,
                         Signed = 0x09, Signed2 = 0x0A, Signed4 = 0x0B, Signed8 = 0x0C, TypeMask = 0x0F;
 constexpr unsigned char Absolute = 0x00, RelativeToItself = 0x10, RelativeToBase = 0x30, BaseMask = 0x70;
-constexpr unsigned char Indirect = 0x80, Omitted = 0xFF;
+constexpr unsigned char Indirect = 0x80;
 } // namespace encoding
 
 void TableReader::Skip(std::int64_t count) noexcept
