@@ -92,12 +92,13 @@ int Compare(void const *, void const *)
     return 0;
 }
 
-Addresses g_interrupted;
+std::array<std::uintptr_t, 64> g_interrupted;
+std::size_t g_interruptedCount = 0;
 
 void OnSignal(int)
 {
-    g_interrupted.resize(1000);
-    g_interrupted.resize(CaptureStack(g_interrupted.data(), g_interrupted.size()));
+    g_interruptedCount = CaptureStack(g_interrupted.data(), g_interrupted.size());
+    asm volatile("");
 }
 
 } // namespace
@@ -137,8 +138,8 @@ TEST(CaptureStack, LeavesTheTrampolineOfASignalOut)
     std::raise(SIGUSR1);
     std::signal(SIGUSR1, before);
     std::string functions;
-    for (std::uintptr_t const address : g_interrupted)
-        functions += LookUpSymbol(address - 1).function + '\n';
+    for (std::size_t i = 0; i < g_interruptedCount; ++i)
+        functions += LookUpSymbol(g_interrupted[i] - 1).function + '\n';
     EXPECT_NE(functions.find("OnSignal\n"), std::string::npos) << functions;
     EXPECT_EQ(functions.find("restore_rt"), std::string::npos) << functions;
     EXPECT_NE(functions.find("TestBody\n"), std::string::npos) << functions;
