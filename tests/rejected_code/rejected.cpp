@@ -2,6 +2,7 @@
 
 #include "vansys/TCancelEvent.h"
 #include "vansys/TFormatLiteral.h"
+#include "vansys/TPathCore.h"
 #include "vansys/TScanStringCore.h"
 
 #include <string>
@@ -26,6 +27,8 @@ void const *const address = text;
 std::basic_string<TCodeUnit> const units = std::basic_string<TCodeUnit>() = text;
 bool const isEmpty = text == u"" || text.isEmpty();
 TStringCore const &either = isEmpty ? last : text;
+TPathCore const path = u"a/b";
+PathElements const elements = path.Elements();
 
 #elif REJECTED == 1
 TStringCore const text = FormatText(u"%0", 1);
@@ -75,6 +78,8 @@ void remove(TCancelEvent const &parent, TCancelEvent *child)
 {
     parent.Remove(child);
 }
+#elif REJECTED == 23
+PathElements const elements = TPathCore(u"a/b").Elements();
 #elif REJECTED >= 15
 TStringCore text, other;
 #    if REJECTED == 15

@@ -409,9 +409,9 @@ private:
     /// A path of text that is generic already.
     static TPathCore MakePath(TStringCore generic) noexcept;
 
-    void makeGeneric();
-    void removeTrailingSeparator();
-    TPathCore part(int position, int count) const;
+    void MakeGeneric();
+    void RemoveTrailingSeparator();
+    TPathCore Part(int position, int count) const;
 
     // Positions in the text; -1 where there is none.
 

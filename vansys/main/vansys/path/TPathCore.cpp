@@ -144,12 +144,12 @@ TStringCore NativeNameOf(TPathCore const &path, NameForm form)
 
 TPathCore::TPathCore(TStringCore const &text) : m_text(text)
 {
-    makeGeneric();
+    MakeGeneric();
 }
 
 TPathCore::TPathCore(TStringCore &&text) : m_text(std::move(text))
 {
-    makeGeneric();
+    MakeGeneric();
 }
 
 TPathCore::TPathCore(TCodeUnit const *text)
@@ -159,10 +159,10 @@ TPathCore::TPathCore(TCodeUnit const *text)
         return;
     TCodeUnit *const units = StringAccess::Storage(m_text).setLengthForOverwrite(length);
     ReplaceUnit(units, text, length, NativeSeparator, Separator);
-    removeTrailingSeparator();
+    RemoveTrailingSeparator();
 }
 
-void TPathCore::makeGeneric()
+void TPathCore::MakeGeneric()
 {
     // Only where there is something to replace: a shared text would be detached.
     int const length = m_text.length();
@@ -171,10 +171,10 @@ void TPathCore::makeGeneric()
         TCodeUnit *const units = m_text.data();
         ReplaceUnit(units, units, length, NativeSeparator, Separator);
     }
-    removeTrailingSeparator();
+    RemoveTrailingSeparator();
 }
 
-void TPathCore::removeTrailingSeparator()
+void TPathCore::RemoveTrailingSeparator()
 {
     int const length = LengthWithoutTrailingSeparator(PathText(m_text));
     if (length != m_text.length())
@@ -345,7 +345,7 @@ TPathCore TPathCore::operator+(TPathCore const &other) const
 
 // Root
 
-TPathCore TPathCore::part(int position, int count) const
+TPathCore TPathCore::Part(int position, int count) const
 {
     TPathCore result;
     if (count == m_text.length())
@@ -357,7 +357,7 @@ TPathCore TPathCore::part(int position, int count) const
 
 TPathCore TPathCore::RootName() const
 {
-    return part(0, RootNameLength());
+    return Part(0, RootNameLength());
 }
 
 TPathCore TPathCore::RootDirectory() const
@@ -367,7 +367,7 @@ TPathCore TPathCore::RootDirectory() const
 
 TPathCore TPathCore::RootPath() const
 {
-    return part(0, PathText(m_text).RootPathLength());
+    return Part(0, PathText(m_text).RootPathLength());
 }
 
 // Names
@@ -375,7 +375,7 @@ TPathCore TPathCore::RootPath() const
 TPathCore TPathCore::Filename() const
 {
     int const index = FilenameIndex();
-    return index < 0 ? TPathCore() : part(index, m_text.length() - index);
+    return index < 0 ? TPathCore() : Part(index, m_text.length() - index);
 }
 
 TStringCore TPathCore::Extension() const
@@ -390,7 +390,7 @@ TPathCore TPathCore::Stem() const
     if (index < 0)
         return TPathCore();
     // Asked by itself, as a ":" in the name makes a difference.
-    return part(index, PathText(m_text).From(index).LengthWithoutExtension());
+    return Part(index, PathText(m_text).From(index).LengthWithoutExtension());
 }
 
 bool TPathCore::HasStem() const noexcept
@@ -402,7 +402,7 @@ bool TPathCore::HasStem() const noexcept
 
 TPathCore TPathCore::Parent() const
 {
-    return part(0, PathText(m_text).ParentLength());
+    return Part(0, PathText(m_text).ParentLength());
 }
 
 bool TPathCore::HasParentPath() const noexcept
