@@ -93,7 +93,7 @@ public:
 
     iterator operator++(int) noexcept
     {
-        iterator const before = *this;
+        iterator before = *this;
         ++*this;
         return before;
     }
@@ -107,7 +107,7 @@ public:
 
     iterator operator--(int) noexcept
     {
-        iterator const before = *this;
+        iterator before = *this;
         --*this;
         return before;
     }
@@ -133,7 +133,18 @@ private:
         int position() const noexcept { return base + __builtin_ctzll(rest); }
     };
 
-    iterator(Text text, Marks begins, Marks ends) noexcept : m_text(text), m_begins(begins), m_ends(ends) {}
+    enum class Place
+    {
+        First,
+        End
+    };
+
+    iterator(Text text, int base, Edges edges, Place place) noexcept
+        : m_text(text),
+          m_begins{base, edges.begins, place == Place::First ? edges.begins : 0},
+          m_ends{base, edges.ends, place == Place::First ? edges.ends : 0}
+    {
+    }
 
     void stepForward(Marks &marks, std::uint64_t Edges::*kind) const noexcept
     {
@@ -170,7 +181,7 @@ private:
 
 PathElements::iterator PathElements::begin() const noexcept
 {
-    iterator first(m_text, {0, m_first.begins, m_first.begins}, {0, m_first.ends, m_first.ends});
+    iterator first(m_text, 0, m_first, iterator::Place::First);
     first.enterNextWindows(first.m_ends, &Edges::ends); // the first name may be long
     return first;
 }
@@ -179,7 +190,7 @@ PathElements::iterator PathElements::end() const noexcept
 {
     int const base = m_text.lastBase();
     Edges const last = base == 0 ? m_first : edgesAt(m_text, base);
-    return iterator(m_text, {base, last.begins, 0}, {base, last.ends, 0});
+    return iterator(m_text, base, last, iterator::Place::End);
 }
 
 std::reverse_iterator<PathElements::iterator> PathElements::rbegin() const noexcept

@@ -59,7 +59,7 @@ public:
     iterator &operator++() { return *this = next(); }
     iterator operator++(int)
     {
-        iterator const before = *this;
+        iterator before = *this;
         ++*this;
         return before;
     }
@@ -70,7 +70,7 @@ public:
     iterator &operator--() { return *this = prev(); }
     iterator operator--(int)
     {
-        iterator const before = *this;
+        iterator before = *this;
         --*this;
         return before;
     }
