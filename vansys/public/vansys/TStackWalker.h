@@ -28,7 +28,7 @@ struct ThreadStack;
 ///     TLogWalker(TProcessHandle(-1), GetMyProcessId()).GenerateCallstacksForAllThreads();
 ///
 /// To have the lines in a list, take `TStackWalkerCollector`. To remember where something happened, and to
-/// turn it into text only when that is wanted, take `TCapturedStack`, which costs a hundredth.
+/// turn it into text only when that is wanted, take `TCapturedStack`.
 ///
 /// **What is left out.** The outermost frame, which is that of the system's code that started the thread.
 /// Frames of the walker itself and of signal trampolines. Frames in the sources of memory trackers, which are
@@ -41,9 +41,9 @@ struct ThreadStack;
 ///
 /// **Other threads** stand still only for a part of their walk. On Windows, they are suspended while their
 /// registers and stacks are copied; the copy is walked by the system's debug-help library, which wants
-/// nothing else to use it at the same time. On Linux, they are stopped for the walk, some 50 microseconds, in
-/// one of the two ways of `ThreadAccess`. A thread that has not stopped within a second is given up: one
-/// second for all threads of a walk together.
+/// nothing else to use it at the same time. On Linux, they are stopped for the walk, in one of the two ways
+/// of `ThreadAccess`. A thread that has not stopped within a second is given up: one second for all threads
+/// of a walk together.
 ///
 /// **Failures.** No memory and no file descriptors make a walk return false, and lines that are out may be
 /// fewer. What `OnCallstackEntry` and `OnOutput` throw passes through, apart from `std::bad_alloc`.
