@@ -19,8 +19,7 @@
 ///     std::thread(
 ///         []
 ///         {
-///             TCrashHandler::ThreadScope const scope; // so that an exhausted stack of this thread is
-///             reported, too
+///             TCrashHandler::ThreadScope const scope; // an exhausted stack is reported, too
 ///             ...
 ///         });
 ///

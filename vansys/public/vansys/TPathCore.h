@@ -48,22 +48,21 @@ class PathAccess;
 ///
 /// **Parts.** Each row is what the members give that are named above it; "-" is the empty path or text:
 ///
-/// | path                    | RootName     | RootDirectory | Parent           | Filename    | Stem |
-/// Extension |
-/// |-------------------------|--------------|---------------|------------------|-------------|------|-----------|
-/// | `C:/dir/f.tar.gz`       | `C:`         | `/`           | `C:/dir`         | `f.tar.gz`  | `f.tar` | `gz`
-/// | | `C:/dir`                | `C:`         | `/`           | `C:/`            | `dir`       | `dir` | - |
-/// | `C:/`                   | `C:`         | `/`           | `C:`             | -           | -    | - | |
-/// `C:`                    | `C:`         | -             | -                | -           | -    | - | |
-/// `C:b`                   | `C:`         | -             | `C`              | `b`         | `b`  | - | |
-/// `/b`                    | -            | `/`           | `/`              | `b`         | `b`  | - | | `/`
-/// | -            | `/`           | -                | -           | -    | -         | | `a` | - | - | - |
-/// `a`         | `a`  | -         | | `a/.profile`            | -            | -             | `a` |
-/// `.profile`  | `.profile` | -   | | `//srv/share/f`         | `//srv`      | `/`           | `//srv/share`
-/// | `f`         | `f`  | -         | | `//srv`                 | `//srv`      | -             | `/` | `srv`
-/// | `srv` | -        | | `//?/C:/x`              | `//?/C:`     | `/`           | `//?/C:/`        | `x` |
-/// `x`  | -         | | `//?/UNC/srv/share`     | `//?/UNC/srv` | `/`          | `//?/UNC/srv/`   | `share`
-/// | `share` | -      |
+/// | path            | RootName     | RootDirectory | Parent        | Filename   | Stem       | Extension |
+/// |-----------------|--------------|---------------|---------------|------------|------------|-----------|
+/// | `C:/d/f.tar.gz` | `C:`         | `/`           | `C:/d`        | `f.tar.gz` | `f.tar`    | `gz`      |
+/// | `C:/dir`        | `C:`         | `/`           | `C:/`         | `dir`      | `dir`      | -         |
+/// | `C:/`           | `C:`         | `/`           | `C:`          | -          | -          | -         |
+/// | `C:`            | `C:`         | -             | -             | -          | -          | -         |
+/// | `C:b`           | `C:`         | -             | `C`           | `b`        | `b`        | -         |
+/// | `/b`            | -            | `/`           | `/`           | `b`        | `b`        | -         |
+/// | `/`             | -            | `/`           | -             | -          | -          | -         |
+/// | `a`             | -            | -             | -             | `a`        | `a`        | -         |
+/// | `a/.profile`    | -            | -             | `a`           | `.profile` | `.profile` | -         |
+/// | `//srv/dir/f`   | `//srv`      | `/`           | `//srv/dir`   | `f`        | `f`        | -         |
+/// | `//srv`         | `//srv`      | -             | `/`           | `srv`      | `srv`      | -         |
+/// | `//?/C:/x`      | `//?/C:`     | `/`           | `//?/C:/`     | `x`        | `x`        | -         |
+/// | `//?/UNC/s/d`   | `//?/UNC/s`  | `/`           | `//?/UNC/s/`  | `d`        | `d`        | -         |
 ///
 /// **Kinds of paths.**
 ///
