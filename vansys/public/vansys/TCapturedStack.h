@@ -13,9 +13,8 @@
 
 /// The return addresses on the stack of a thread at one moment.
 ///
-/// To capture them takes well below a microsecond for an ordinary stack, no allocation and no lock of the
-/// library: it can be done where something may be wrong, each time, on any thread. Only the text costs
-/// something, and can wait:
+/// To capture them takes a few loads for each frame, no allocation and no lock of the library: it can be done
+/// where something may be wrong, each time, on any thread. Only the text costs something, and can wait:
 ///
 ///     TCapturedStack const whereLocked = TCapturedStack::Capture();
 ///     ...

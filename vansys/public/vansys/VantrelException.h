@@ -120,9 +120,8 @@ public:
     std::vector<TStringCore> GetMessagesVector() const;
 
     /// Whether exceptions that are made from now on, those of derived classes included, capture the call
-    /// stack. Of the whole process, and off at first, as it makes each of them some microseconds slower and a
-    /// kilobyte larger. Any thread may call it at any time. What was captured stays until the exceptions are
-    /// gone.
+    /// stack. Of the whole process, and off at first, as it costs each of them time and memory. Any thread
+    /// may call it at any time. What was captured stays until the exceptions are gone.
     static void CaptureCallStacks(bool capture) noexcept;
 
     /// What the last `CaptureCallStacks` set; false before.
