@@ -1,10 +1,9 @@
+#include "main/diagnostics/BareProcess_linux.h"
 #include "main/diagnostics/StoppedThreads_linux.h"
 
 #include <cerrno>
 #include <csignal>
-#include <ctime>
 #include <sched.h>
-#include <sys/mman.h>
 #include <sys/prctl.h>
 #include <sys/ptrace.h>
 #include <sys/syscall.h>
@@ -73,8 +72,9 @@ void TakeStack(StackStorage &storage, int status) noexcept
 }
 
 /// What the process does. In the end, the kernel detaches it from whatever has not stopped.
-void WalkAttached(Order const &order) noexcept
+void WalkAttached(void *argument) noexcept
 {
+    Order const &order = *static_cast<Order const *>(argument);
     std::size_t awaited = 0;
     for (StackStorage::Pointer const &storage : order.storages)
         if (Attach(*storage))
@@ -82,7 +82,7 @@ void WalkAttached(Order const &order) noexcept
     while (awaited > 0)
     {
         int status = 0;
-        long const stopped = syscall(SYS_wait4, -1, &status, __WALL | WNOHANG, nullptr);
+        RawWord const stopped = RawCall(SYS_wait4, -1, &status, __WALL | WNOHANG, nullptr);
         if (stopped < 0)
             break;
         if (stopped > 0)
@@ -96,80 +96,22 @@ void WalkAttached(Order const &order) noexcept
         else if (Clock::Now() >= order.deadline)
             break;
         else
-        {
-            constexpr timespec Moment{0, 20'000};
-            syscall(SYS_nanosleep, &Moment, nullptr);
-        }
+            RawSleepMicroseconds(20);
     }
-}
-
-/// Has all signals blocked while it exists, those that the C library keeps for itself included.
-class BlockedSignals
-{
-public:
-    BlockedSignals() noexcept
-    {
-        constexpr std::uint64_t All = ~std::uint64_t{0};
-        syscall(SYS_rt_sigprocmask, SIG_SETMASK, &All, &m_before, sizeof All);
-    }
-    BlockedSignals(BlockedSignals const &) = delete;
-    BlockedSignals &operator=(BlockedSignals const &) = delete;
-    ~BlockedSignals() { syscall(SYS_rt_sigprocmask, SIG_SETMASK, &m_before, nullptr, sizeof m_before); }
-
-private:
-    std::uint64_t m_before = 0;
-};
-
-/// Makes the process, on a stack that ends there, and returns its id when it has ended; a negative number
-/// when it cannot be made. By the call itself: the thread sanitizer takes the C library's function for a
-/// fork.
-long RunWalkAttached(Order const &order, void *stackEnd) noexcept
-{
-    auto *const stack = static_cast<void const **>(stackEnd) - 2;
-    stack[0] = reinterpret_cast<void const *>(&WalkAttached);
-    stack[1] = &order;
-    constexpr long NoSignal = 0;
-    constexpr long Flags = CLONE_VM | CLONE_VFORK | CLONE_FS | CLONE_FILES | CLONE_UNTRACED | NoSignal;
-    register long unusedChild asm("r10") = 0;
-    register long unusedThreadPointer asm("r8") = 0;
-    long result = SYS_clone;
-    asm volatile("syscall\n\t"
-                 "test %%rax, %%rax\n\t"
-                 "jnz 1f\n\t"
-                 "xor %%ebp, %%ebp\n\t"
-                 "pop %%rax\n\t"
-                 "pop %%rdi\n\t"
-                 "call *%%rax\n\t"
-                 "xor %%edi, %%edi\n\t"
-                 "mov %[exit], %%eax\n\t"
-                 "syscall\n\t"
-                 "hlt\n"
-                 "1:"
-                 : "+a"(result)
-                 : "D"(Flags), "S"(stack), "d"(0L), "r"(unusedChild),
-                   "r"(unusedThreadPointer), [exit] "i"(SYS_exit)
-                 : "rcx", "r11", "memory");
-    return result;
 }
 
 /// Returns when the process has ended. False when there is none.
-bool RunProcess(Order const &order) noexcept
+bool RunProcess(Order &order) noexcept
 {
-    constexpr std::size_t StackSize = std::size_t{256} << 10;
-    void *const stack =
-        mmap(nullptr, StackSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-    if (stack == MAP_FAILED)
+    RawPages const stack(std::size_t{256} << 10);
+    if (!stack)
         return false;
-    long process = -1;
-    {
-        BlockedSignals const blocked;
-        process = RunWalkAttached(order, static_cast<char *>(stack) + StackSize);
-        // Only calls that ask for such processes find it. If the host has one that asks for all, it may be
-        // first.
-        if (process > 0)
-            syscall(SYS_wait4, process, nullptr, __WALL, nullptr);
-    }
-    munmap(stack, StackSize);
+    BlockedSignals const blocked;
+    constexpr RawWord Flags = CLONE_VFORK | CLONE_FS | CLONE_FILES | CLONE_UNTRACED;
+    RawWord const process = MakeBareProcess(Flags, stack.Data() + stack.Size(), &WalkAttached, &order);
+    // If the host has a call that asks for all kinds of processes, it may be first.
+    if (process > 0)
+        RawCall(SYS_wait4, process, nullptr, __WALL, nullptr);
     return process > 0;
 }
 
@@ -182,7 +124,7 @@ void WalkByAttaching(Storages const &storages, Clock::TimePoint deadline) noexce
     for (StackStorage::Pointer const &storage : storages)
         if (!storage->IsOfThread())
             storage->SetState(StackStorage::Gone);
-    Order const order{storages, deadline};
+    Order order{storages, deadline};
     bool const couldRun = RunProcess(order);
     if (!couldRun)
         ReplaceState(storages, StackStorage::Asked, StackStorage::Refused);

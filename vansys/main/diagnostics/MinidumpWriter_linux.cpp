@@ -1,5 +1,6 @@
 #include "main/diagnostics/MinidumpWriter.h"
 
+#include "main/diagnostics/BareProcess_linux.h"
 #include "main/diagnostics/FrozenThreads_linux.h"
 #include "main/diagnostics/MemoryMap_linux.h"
 #include "main/diagnostics/MinidumpFile_linux.h"
@@ -612,38 +613,6 @@ void RunChild(void *argument) noexcept
     job.writer.Write(static_cast<int>(RawCall(SYS_getpid)));
 }
 
-/// Makes a child of the kernel's own kind: with the memory of this process, but not with its threads, so that
-/// it may stop them; without its files, as they would stay open if the child was killed. It runs `function`
-/// and ends. Gives no signal when it has ended.
-[[gnu::noinline]] RawWord MakeChild(std::byte *stackEnd, std::atomic<std::int32_t> &id,
-                                    void (*function)(void *) noexcept, void *argument) noexcept
-{
-    // The child pops these off its stack, where its first call finds the alignment that it expects.
-    auto const stack = reinterpret_cast<void **>(stackEnd) - 2;
-    stack[0] = reinterpret_cast<void *>(function);
-    stack[1] = argument;
-    register RawWord childWord asm("r10") = ToRawWord(&id);
-    register RawWord threadPointer asm("r8") = 0;
-    RawWord result = SYS_clone;
-    asm volatile("syscall\n\t"
-                 "test %%rax, %%rax\n\t"
-                 "jnz 1f\n\t"
-                 "xor %%ebp, %%ebp\n\t"
-                 "pop %%rax\n\t"
-                 "pop %%rdi\n\t"
-                 "call *%%rax\n\t"
-                 "xor %%edi, %%edi\n\t"
-                 "mov %[exit], %%eax\n\t"
-                 "syscall\n\t"
-                 "hlt\n"
-                 "1:"
-                 : "+a"(result)
-                 : "D"(ToRawWord(CLONE_VM | CLONE_PARENT_SETTID | CLONE_CHILD_CLEARTID)), "S"(stack),
-                   "d"(&id), "r"(childWord), "r"(threadPointer), [exit] "i"(SYS_exit_group)
-                 : "rcx", "r11", "memory");
-    return result;
-}
-
 /// Whether only those that a process names, and its ancestors, may trace it.
 bool TracersAreNamed() noexcept
 {
@@ -655,7 +624,9 @@ bool TracersAreNamed() noexcept
 
 void RunInChild(Job &job, std::byte *stackEnd) noexcept
 {
-    RawWord const child = MakeChild(stackEnd, job.child, &RunChild, &job);
+    // Without the files of this process, as they would stay open if the child was killed.
+    constexpr RawWord Flags = CLONE_PARENT_SETTID | CLONE_CHILD_CLEARTID;
+    RawWord const child = MakeBareProcess(Flags, stackEnd, &RunChild, &job, &job.child);
     if (child < 0)
         return;
     bool const isNamed = TracersAreNamed();
