@@ -9,14 +9,17 @@
 namespace
 {
 
-int *volatile g_null = nullptr;
+// Functions are marked in the way of GNU, as Clang knows the marks of sanitizers only in that.
 
-[[gnu::noinline, gnu::no_sanitize("undefined", "address")]] void CrashOnNull()
+int *volatile g_null = nullptr;
+int volatile g_depth = 0; // or the compiler would make a function for 0, of another name
+
+__attribute__((noinline, no_sanitize("undefined", "address"))) void CrashOnNull()
 {
     *g_null = 1;
 }
 
-[[gnu::noinline, gnu::noclone, gnu::no_sanitize("undefined", "address")]] int ExhaustStack(int depth)
+__attribute__((noinline, no_sanitize("undefined", "address"))) int ExhaustStack(int depth)
 {
     char volatile page[512];
     page[0] = static_cast<char>(depth);
@@ -40,7 +43,7 @@ void ExhaustStackOfThread()
         {
             TCrashHandler::ThreadScope const scope;
             if (scope)
-                ExhaustStack(0);
+                ExhaustStack(g_depth);
         })
         .join();
 }
@@ -56,7 +59,7 @@ void CrashTogether()
 
 constexpr CrashKind Kinds[] = {
     {"null", &CrashOnNull},
-    {"stack", [] { ExhaustStack(0); }},
+    {"stack", [] { ExhaustStack(g_depth); }},
     {"thread-stack", &ExhaustStackOfThread},
     {"terminate", &ThrowUncaught},
     {"abort", [] { Abort(); }},

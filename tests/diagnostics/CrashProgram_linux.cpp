@@ -13,13 +13,13 @@ namespace
 int volatile g_zero = 0;
 void (*volatile g_noFunction)() = nullptr;
 
-[[gnu::noinline, gnu::no_sanitize("undefined")]] void CrashByCall()
+__attribute__((noinline, no_sanitize("undefined"))) void CrashByCall()
 {
     g_noFunction();
     g_zero = 0; // makes the call a call, and not a jump
 }
 
-[[gnu::noinline, gnu::no_sanitize("undefined")]] void CrashByDivision()
+__attribute__((noinline, no_sanitize("undefined"))) void CrashByDivision()
 {
     g_zero = 100 / g_zero;
 }
