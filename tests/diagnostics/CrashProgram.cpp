@@ -12,7 +12,6 @@ namespace
 // Functions are marked in the way of GNU, as Clang knows the marks of sanitizers only in that.
 
 int *volatile g_null = nullptr;
-int volatile g_depth = 0; // or the compiler would make a function for 0, of another name
 
 __attribute__((noinline, no_sanitize("undefined", "address"))) void CrashOnNull()
 {
@@ -43,7 +42,7 @@ void ExhaustStackOfThread()
         {
             TCrashHandler::ThreadScope const scope;
             if (scope)
-                ExhaustStack(g_depth);
+                ExhaustStack(0);
         })
         .join();
 }
@@ -59,7 +58,7 @@ void CrashTogether()
 
 constexpr CrashKind Kinds[] = {
     {"null", &CrashOnNull},
-    {"stack", [] { ExhaustStack(g_depth); }},
+    {"stack", [] { ExhaustStack(0); }},
     {"thread-stack", &ExhaustStackOfThread},
     {"terminate", &ThrowUncaught},
     {"abort", [] { Abort(); }},
