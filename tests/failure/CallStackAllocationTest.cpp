@@ -4,44 +4,38 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <optional>
+
+/// Fails each allocation of an operation, which counts as failed as long as the exception has no call stack.
+/// Returns how often it had none though nothing was thrown.
+static int CountWithoutStack(std::optional<VantrelException> &exception, auto prepare, auto operation)
+{
+    int withoutStack = 0;
+    auto const needsStack = [&]
+    {
+        operation();
+        if (!exception->CallStack().IsEmpty())
+            return;
+        ++withoutStack;
+        throw std::bad_alloc();
+    };
+    auto const check = [&] { EXPECT_TRUE(!exception || exception->CallStack().IsEmpty()); };
+    failEachAllocation(prepare, needsStack, check);
+    return withoutStack;
+}
 
 TEST(CallStackAllocation, OfAnExceptionMayBeMissingAndNothingElse)
 {
     VantrelException::CaptureCallStacks(true);
-    std::optional<VantrelException> original("original");
-    VantrelException::CaptureCallStacks(false);
-    VantrelException target("target");
-    int withoutStack = 0;
-    // Of each of them, one allocation fails; the operation counts as failed as long as it has no call stack.
-    failEachAllocation([&] { target.SetMessage("target"); },
-                       [&]
-                       {
-                           target = *original;
-                           if (!target.CallStack().IsEmpty())
-                               return;
-                           ++withoutStack;
-                           throw std::bad_alloc();
-                       },
-                       [] {});
-    EXPECT_GT(withoutStack, 0);
-    EXPECT_EQ(target.GetMessages(), original->GetMessages());
-    EXPECT_EQ(target.CallStack(), original->CallStack());
-
-    VantrelException::CaptureCallStacks(true);
+    VantrelException const original("original");
     std::optional<VantrelException> made;
-    withoutStack = 0;
-    failEachAllocation([&] { made.reset(); },
-                       [&]
-                       {
-                           made.emplace("made");
-                           if (!made->CallStack().IsEmpty())
-                               return;
-                           ++withoutStack;
-                           throw std::bad_alloc();
-                       },
-                       [&] { EXPECT_TRUE(!made || made->CallStack().IsEmpty()); });
-    VantrelException::CaptureCallStacks(false);
+    auto const make = [&] { made.emplace("made"); };
+    int const withoutStack = CountWithoutStack(
+        made, [&] { made.reset(); }, make);
     EXPECT_EQ(withoutStack, 2) << "the stack, and its place in the table";
+    VantrelException::CaptureCallStacks(false);
+
+    EXPECT_GT(CountWithoutStack(made, make, [&] { made = original; }), 0);
+    EXPECT_EQ(made->GetMessages(), original.GetMessages());
+    EXPECT_EQ(made->CallStack(), original.CallStack());
 }

@@ -45,8 +45,7 @@ int main(int, char **arguments)
         TTerminateHandler::Install({.callStack = CallStack::Hidden, .output = &Print, .context = mark});
     else
         TTerminateHandler::Install({.messages = Messages::Both});
-    if (way == "captured" || way == "threads")
-        VantrelException::CaptureCallStacks(true);
+    VantrelException::CaptureCallStacks(way == "captured" || way == "threads");
 
     if (way == "standard")
         throw std::out_of_range("the standard one");

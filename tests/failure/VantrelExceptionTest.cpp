@@ -8,10 +8,12 @@
 #include "support/DebugOutput.h"
 #include "support/FailureMessage.h"
 #include "support/RecordedAssertions.h"
+#include "support/Stress.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <typeinfo>
@@ -20,6 +22,8 @@ using Messages = std::list<TStringCore>;
 
 namespace
 {
+
+static_assert(sizeof(VantrelException) == 3 * sizeof(void *), "a vtable and two lists");
 
 TFormatStringCore format(char const *text)
 {
@@ -35,7 +39,23 @@ void expectStacks(VantrelException const &exception, Messages const &messages, M
     EXPECT_EQ(exception.CollateMessagesForLog(), exception.GetConcatenatedMessages());
 }
 
-// Classes of a host: one of its own, one derived from that, and one that overrides by hand.
+/// A copy of what the action throws, which must be of just that type.
+template <class Thrown>
+VantrelException Caught(auto const &action)
+{
+    try
+    {
+        action();
+    }
+    catch (VantrelException const &exception)
+    {
+        EXPECT_EQ(typeid(exception), typeid(Thrown));
+        return exception;
+    }
+    return VantrelException("nothing is thrown");
+}
+
+// Classes of a host: one of its own, and one derived from that.
 
 struct HostException : VantrelExceptionOf<HostException>
 {
@@ -47,35 +67,21 @@ struct LineException : VantrelExceptionOf<LineException, HostException>
     using VantrelExceptionOf::VantrelExceptionOf;
 };
 
-struct PoolException : VantrelOutOfMemoryException
-{
-    using VantrelOutOfMemoryException::VantrelOutOfMemoryException;
-
-    PoolException *Clone() const override { return new PoolException(*this); }
-    [[noreturn]] void Throw() const override { throw PoolException(*this); }
-};
-
 /// Expects that the exception and its clone throw a `Thrown` with the same messages, and that the clone has
 /// the type `Typed`.
 template <class Thrown, class Typed = Thrown>
 void expectCopies(auto const &exception)
 {
-    Typed *const typed = exception.Clone();
-    std::unique_ptr<VantrelException> const clone(typed);
-    VantrelException const *const sources[] = {&exception, clone.get()};
-    for (auto const *const source : sources)
-    {
-        try
-        {
-            source->Throw();
-        }
-        catch (VantrelException const &caught)
-        {
-            EXPECT_EQ(typeid(caught), typeid(Thrown));
-            expectStacks(caught, exception.GetMessages(), exception.GetRedactedMessages());
-        }
-    }
+    std::unique_ptr<Typed> const clone(exception.Clone());
+    for (bool const isOriginal : {true, false})
+        expectStacks(Caught<Thrown>([&] { isOriginal ? exception.Throw() : clone->Throw(); }),
+                     exception.GetMessages(), exception.GetRedactedMessages());
 }
+
+struct CallStack : testing::Test
+{
+    ~CallStack() override { VantrelException::CaptureCallStacks(false); }
+};
 
 } // namespace
 
@@ -109,22 +115,20 @@ TEST(VantrelException, StacksMessages)
     expectStacks(assigned, messages, redacted);
     assigned.SetMessage(TFormatStringCore(u"%1").arg(u""));
     expectStacks(assigned, {}, {});
-    expectStacks(VantrelException(L""), {}, {});
     expectStacks(VantrelException(Messages{"", "as it is"}), {"", "as it is"}, {});
     expectStacks(VantrelUserErrorException(format("user %1")), {"user X"}, {"user %1"});
     for (char const *const text : {"no such file", "\xC3\xA9", "\xFF", ""})
     {
-        std::runtime_error const foreign(text);
         TStringCore out = u"before";
-        VantrelException::ToString(foreign, out);
+        VantrelException::ToString(std::runtime_error(text), out);
         EXPECT_EQ(out, TStringCore::fromLocal8Bit(text));
-        expectStacks(VantrelException(foreign), Messages(out.isEmpty() ? 0 : 1, out), {});
+        expectStacks(VantrelException(std::runtime_error(text)), Messages(out.isEmpty() ? 0 : 1, out), {});
     }
 }
 
 TEST(VantrelException, CloneAndThrowKeepTheType)
 {
-    EXPECT_EQ(VantrelOutOfMemoryException().GetMessages(), Messages{"Out of memory"});
+    expectStacks(VantrelOutOfMemoryException(), {"Out of memory"}, {});
     LineException const line(format("line %1"));
     expectCopies<VantrelException>(VantrelException("plain"));
     expectCopies<VantrelOutOfMemoryException>(VantrelOutOfMemoryException());
@@ -133,7 +137,6 @@ TEST(VantrelException, CloneAndThrowKeepTheType)
     expectCopies<TFormatStringCore::Exception>(TFormatStringCore::Exception(Messages{"a", "b"}));
     expectCopies<LineException>(line);
     expectCopies<LineException, HostException>(static_cast<HostException const &>(line));
-    expectCopies<PoolException>(PoolException(u"pool"));
 }
 
 TEST(VantrelException, StackExceptionAndRethrowKeepsTheType)
@@ -150,36 +153,22 @@ TEST(VantrelException, StackExceptionAndRethrowKeepsTheType)
         }
     };
     auto const fail = [] { throw VantrelOutOfMemoryException("inner"); };
-    try
-    {
-        rethrow([&] { rethrow(fail, "outer"); }, format("outermost %1"));
-        ADD_FAILURE();
-    }
-    catch (VantrelOutOfMemoryException const &exception)
-    {
-        expectStacks(exception, {"inner", "outer", "outermost X"}, {"outermost %1"});
-    }
+    expectStacks(Caught<VantrelOutOfMemoryException>(
+                     [&] { rethrow([&] { rethrow(fail, "outer"); }, format("outermost %1")); }),
+                 {"inner", "outer", "outermost X"}, {"outermost %1"});
     auto const failForeign = [] { throw std::runtime_error("foreign"); };
     EXPECT_THROW(rethrow(failForeign, "outer"), std::runtime_error);
     EXPECT_THROW(rethrow(failForeign, format("without its argument: %2")), std::runtime_error);
 }
 
-TEST(ThrowLogicException, WithoutHookThrowsAndWritesToTheDebugger)
+TEST(ThrowLogicException, ThrowsUnlessAHookDecides)
 {
     TStringCore message;
-    std::string const output = debugOutputOf(
-        [&]
-        {
-            message = FailureMessage<VantrelException>(
-                [] { ThrowLogicException("vansys/main/icu/Calendar44", 61, "U_SUCCESS(status)"); });
-        });
+    auto const fail = [] { ThrowLogicException("vansys/main/icu/Calendar44", 61, "U_SUCCESS(status)"); };
+    std::string const output = debugOutputOf([&] { message = FailureMessage<VantrelException>(fail); });
     EXPECT_EQ(message, "LogicAssert failed (but no hook has been set) at vansys/main/icu/Calendar44 "
                        "line 61: U_SUCCESS(status)");
     EXPECT_EQ(output, message.toStdString());
-}
-
-TEST(ThrowLogicException, HookDecides)
-{
     AssertHooks::SetDebugAssertHook([](char const *, int, char const *) { throw "for other assertions"; });
     {
         RecordedAssertions const recorded;
@@ -187,8 +176,77 @@ TEST(ThrowLogicException, HookDecides)
         EXPECT_EQ(recorded.Take(), std::vector<std::string>{"f:7: x"});
     }
     AssertHooks::SetLogicAssertHook([](char const *, int, char const *) { throw 1; });
-    EXPECT_THROW(ThrowLogicException("f", 7, "x"), int);
+    EXPECT_THROW(fail(), int);
     AssertHooks::SetLogicAssertHook(nullptr);
     AssertHooks::SetDebugAssertHook(nullptr);
     EXPECT_THROW(ThrowLogicException(nullptr, 7, nullptr), VantrelException);
+}
+
+TEST_F(CallStack, IsCapturedWhenWanted)
+{
+    EXPECT_FALSE(VantrelException::CapturesCallStacks());
+    VantrelException const before("before");
+    VantrelException::CaptureCallStacks(true);
+    EXPECT_TRUE(VantrelException::CapturesCallStacks());
+    EXPECT_TRUE(before.CallStack().IsEmpty());
+    EXPECT_TRUE(VantrelException(before).CallStack().IsEmpty()) << "a copy is not made anew";
+    // However it is made, its stack begins here.
+    auto const stackOf = [](auto const &origin) { return VantrelException(origin).CallStack(); };
+    for (TCapturedStack const &stack :
+         {stackOf(TStringCore("text")), stackOf(TFormatStringCore("format")),
+          stackOf(std::runtime_error("standard")), stackOf(std::list<TStringCore>{u"list"})})
+    {
+        std::string const first = stack.Text().substr(0, stack.Text().find('\n'));
+        EXPECT_NE(first.find("VantrelExceptionTest.cpp("), std::string::npos) << first;
+    }
+    EXPECT_NE(HostException("derived").CallStack().Text().find("TestBody"), std::string::npos);
+    VantrelException::CaptureCallStacks(false);
+    EXPECT_TRUE(VantrelException("after").CallStack().IsEmpty());
+}
+
+TEST_F(CallStack, GoesWithTheCopies)
+{
+    VantrelException::CaptureCallStacks(true);
+    auto original = std::make_unique<HostException>("host");
+    VantrelException::CaptureCallStacks(false);
+    TCapturedStack const stack = original->CallStack();
+    EXPECT_FALSE(stack.IsEmpty());
+    std::unique_ptr<VantrelException> const clone(original->Clone());
+    VantrelException thrown = Caught<HostException>([&] { original->Throw(); });
+    thrown.SetMessage("other");
+    VantrelException assigned("assigned");
+    assigned = *original;
+    HostException *const self = original.get();
+    *original = *self;
+    EXPECT_EQ(original->CallStack(), stack);
+    original.reset();
+    for (VantrelException const *const copy : {clone.get(), &thrown, &assigned})
+        EXPECT_EQ(copy->CallStack(), stack);
+    assigned = VantrelException("without");
+    EXPECT_TRUE(assigned.CallStack().IsEmpty());
+}
+
+TEST_F(CallStack, IsThatOfTheObjectWhateverWasThereBefore)
+{
+    std::optional<VantrelException> exception; // at the same address each time
+    for (bool const captures : {true, false, true, false})
+    {
+        VantrelException::CaptureCallStacks(captures);
+        EXPECT_NE(exception.emplace("here").CallStack().IsEmpty(), captures);
+    }
+}
+
+TEST_F(CallStack, OfManyThreadsDoNotMeet)
+{
+    VantrelException::CaptureCallStacks(true);
+    auto const makeSome = [](StressRandom &)
+    {
+        std::vector<VantrelException> exceptions;
+        for (std::size_t i = 0; i < 8; ++i) // grows, so that they are copied and destroyed
+        {
+            exceptions.emplace_back("thread");
+            ASSERT_FALSE(exceptions[i / 2].CallStack().IsEmpty());
+        }
+    };
+    RunStress(4, makeSome);
 }

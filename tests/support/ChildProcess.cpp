@@ -1,5 +1,10 @@
 #include "support/ChildProcess.h"
 
+ChildProcess::ChildProcess(std::string const &program, std::vector<std::string> const &arguments)
+    : ChildProcess(program, arguments, Setup())
+{
+}
+
 bool ChildProcess::WaitForOutput(std::string_view text, std::chrono::milliseconds limit)
 {
     auto const deadline = std::chrono::steady_clock::now() + limit;

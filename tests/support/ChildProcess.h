@@ -10,7 +10,8 @@
 #include <vector>
 
 /// Runs a program, collects what it writes to standard output and standard error, both into one text, and
-/// kills it in the destructor. For one thread. A program that cannot be started fails the test.
+/// kills it in the destructor. For one thread. A program that cannot be started fails the test; one that
+/// crashes leaves no core file.
 ///
 ///     ChildProcess child(VANSYS_HELPER_WALKED_PROGRAM, {"sleep"});
 ///     ASSERT_TRUE(child.WaitForOutput("ready"));
@@ -26,8 +27,6 @@ public:
         /// Linux only: is called in the new process before the program begins, between fork and exec. May
         /// only do what is safe in a signal handler: set a limit, change the folder, block a signal.
         std::function<void()> prepare;
-        /// Linux only: whether it leaves no core file, so that crashing it on purpose leaves nothing behind.
-        bool withoutCore = true;
     };
 
     struct Result

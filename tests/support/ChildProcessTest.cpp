@@ -8,8 +8,7 @@ using namespace std::chrono_literals;
 
 TEST(ChildProcess, TellsHowTheProgramEnded)
 {
-    ChildProcess waiting(VANSYS_HELPER_CHILD_PROGRAM, {"wait", "two words"},
-                         {{"CHILD_VARIABLE=value"}, {}, true});
+    ChildProcess waiting(VANSYS_HELPER_CHILD_PROGRAM, {"wait", "two words"}, {{"CHILD_VARIABLE=value"}, {}});
     EXPECT_NE(waiting.Id(), 0U);
     ASSERT_TRUE(waiting.WaitForOutput("two words value"));
     EXPECT_FALSE(waiting.WaitForOutput("something else", 1ms));

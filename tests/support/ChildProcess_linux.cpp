@@ -58,11 +58,6 @@ struct ChildProcess::Process
     Handle input;
 };
 
-ChildProcess::ChildProcess(std::string const &program, std::vector<std::string> const &arguments)
-    : ChildProcess(program, arguments, Setup())
-{
-}
-
 ChildProcess::ChildProcess(std::string const &program, std::vector<std::string> const &arguments,
                            Setup const &setup)
     : m_process(std::make_unique<Process>())
@@ -97,8 +92,7 @@ void ChildProcess::Start(std::string const &program, std::vector<std::string> co
         dup2(output[1], STDOUT_FILENO);
         dup2(output[1], STDERR_FILENO);
         rlimit const none{};
-        if (setup.withoutCore)
-            setrlimit(RLIMIT_CORE, &none);
+        setrlimit(RLIMIT_CORE, &none);
         if (setup.prepare)
             setup.prepare();
         execve(argv[0], argv.data(), envp.data());

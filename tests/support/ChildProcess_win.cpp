@@ -43,11 +43,6 @@ struct ChildProcess::Process
     Handle input;
 };
 
-ChildProcess::ChildProcess(std::string const &program, std::vector<std::string> const &arguments)
-    : ChildProcess(program, arguments, Setup())
-{
-}
-
 ChildProcess::ChildProcess(std::string const &program, std::vector<std::string> const &arguments,
                            Setup const &setup)
     : m_process(std::make_unique<Process>())
