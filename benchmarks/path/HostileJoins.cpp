@@ -55,21 +55,17 @@ int main()
     int throughStd = 0;
     int throughBoost = 0;
     VisitHostileNames(
-        [&](HostileNames const &group)
+        [&](char const *reason, TStringCore const &untrusted)
         {
-            for (std::u16string_view const text : group.texts)
-            {
-                TStringCore const untrusted(text);
-                std::string const bytes = untrusted.toStdString();
-                bool const byStd = LetsThrough<std::filesystem::path>(bytes);
-                bool const byBoost = LetsThrough<boost::filesystem::path>(bytes);
-                ++all;
-                refused += IsRefused(untrusted);
-                throughStd += byStd;
-                throughBoost += byBoost;
-                std::printf("%-9s %-9s %-28s %s\n", byStd ? "through" : "refused",
-                            byBoost ? "through" : "refused", Shown(bytes).c_str(), group.reason);
-            }
+            std::string const bytes = untrusted.toStdString();
+            bool const byStd = LetsThrough<std::filesystem::path>(bytes);
+            bool const byBoost = LetsThrough<boost::filesystem::path>(bytes);
+            ++all;
+            refused += IsRefused(untrusted);
+            throughStd += byStd;
+            throughBoost += byBoost;
+            std::printf("%-9s %-9s %-28s %s\n", byStd ? "through" : "refused",
+                        byBoost ? "through" : "refused", Shown(bytes).c_str(), reason);
         });
     std::printf("%d names: SafeJoin refuses %d, std::filesystem lets %d through, boost::filesystem %d\n", all,
                 refused, throughStd, throughBoost);

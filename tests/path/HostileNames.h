@@ -3,46 +3,40 @@
 /// on Linux.
 #pragma once
 
-#include <initializer_list>
+#include "vansys/TStringCore.h"
+
 #include <string_view>
 
-struct HostileNames
-{
-    char const *reason; ///< what `SafeJoin` says
-    std::initializer_list<std::u16string_view> texts;
-};
-
-/// Calls the function with each group.
+/// Calls `visit(reason, text)` with each of them, and with what `SafeJoin` says of it.
 template <class Visit>
 void VisitHostileNames(Visit const &visit)
 {
     using namespace std::string_view_literals;
-    for (HostileNames const &group : std::initializer_list<HostileNames>{
-             {"the path has a zero unit.", {u"\0"sv, u"a\0"sv, u"a\0/../b"sv, u"../a\0.txt"sv}},
-             {"the path has an extended-length or device prefix.",
-              {u"//?/C:/x", u"\\\\?\\C:\\x", u"\\\\?\\UNC\\srv\\share", u"\\\\.\\nul", u"//./C:/x",
-               u"\\\\.\\pipe\\x", u"\\?\?\\C:\\x", u"/?\?/C:/x", u"/\\?\\x", u"\\\\.\\PhysicalDrive0",
-               u"//?/GLOBALROOT/Device/x"}},
-             {"the path has a root name.",
-              {u"C:/", u"C:\\x", u"c:/x/../y", u"z:\\", u"//srv", u"//srv/share/x", u"\\\\srv\\c$\\x",
-               u"/\\srv\\x", u"\\/srv/x", u"//", u"///x", u"\\\\"}},
-             {"the path has a root directory.",
-              {u"/", u"\\", u"/x", u"\\x", u"/etc/passwd", u"/..", u"/?\?", u"/?/x"}},
-             {"the path begins in the current folder of a drive.",
-              {u"C:", u"C:x", u"d:..\\x", u"C:a/b", u"z:.", u"a::$DATA"}},
-             {"the path leads upwards.",
-              {u"..", u"../x", u"..\\x", u"a/..", u"a/../../x", u"a\\..\\..\\x", u"a/..\\x", u"a//../x",
-               u"../", u"a/b/../c"}},
-             {"a name has an alternate stream.",
-              {u"ab:c", u"ab::$DATA", u"a/b:c", u":x", u"ab:", u"a.txt:evil.exe", u"a/C:/x", u"nul:", u".:x",
-               u"..:x", u"1:x", u"ab:c:$INDEX_ALLOCATION"}},
-             {"a name ends with a dot or a blank.",
-              {u".", u"a.", u"a ", u"...", u".. ", u". ", u".. /x", u"a./b", u"a /b", u"./a", u"a/.",
-               u"a/. /b", u"..../x", u".. .", u"nul.", u"con ", u" ", u"a/ /b", u"x. . ."}},
-             {"a name is that of a device.",
-              {u"nul",        u"CON",       u"con",    u"PrN",       u"AUX",           u"Nul.txt",
-               u"aux.tar.gz", u"con .txt",  u"a/nul",  u"nul/a",     u"a\\COM1",       u"com0",
-               u"COM9.log",   u"lpt1",      u"LPT9.x", u"COM\u00B9", u"com\u00B2.txt", u"LPT\u00B3",
-               u"CONIN$",     u"conout$.x", u"CLOCK$", u"prn  .a",   u"NUL..x",        u"a/b/aux.c"}}})
-        visit(group);
+    struct Group
+    {
+        char const *reason;
+        std::u16string_view texts; ///< with "|" in between
+    };
+    static constexpr Group Groups[] = {
+        {"the path has a zero unit.", u"\0|a\0|a\0/../b|../a\0.txt"sv},
+        {"the path has an extended-length or device prefix.",
+         u"//?/C:/x|\\\\?\\C:\\x|\\\\?\\UNC\\srv\\share|\\\\.\\nul|//./C:/x|\\\\.\\pipe\\x|\\?\?\\C:\\x|"
+         u"/?\?/C:/x|/\\?\\x|\\\\.\\PhysicalDrive0|//?/GLOBALROOT/Device/x"},
+        {"the path has a root name.",
+         u"C:/|C:\\x|c:/x/../y|z:\\|//srv|//srv/share/x|\\\\srv\\c$\\x|/\\srv\\x|\\/srv/x|//|///x|\\\\"},
+        {"the path has a root directory.", u"/|\\|/x|\\x|/etc/passwd|/..|/?\?|/?/x"},
+        {"the path begins in the current folder of a drive.", u"C:|C:x|d:..\\x|C:a/b|z:.|a::$DATA"},
+        {"the path leads upwards.",
+         u"..|../x|..\\x|a/..|a/../../x|a\\..\\..\\x|a/..\\x|a//../x|../|a/b/../c"},
+        {"a name has an alternate stream.",
+         u"ab:c|ab::$DATA|a/b:c|:x|ab:|a.txt:evil.exe|a/C:/x|nul:|.:x|..:x|1:x|ab:c:$INDEX_ALLOCATION"},
+        {"a name ends with a dot or a blank.",
+         u".|a.|a |...|.. |. |.. /x|a./b|a /b|./a|a/.|a/. /b|..../x|.. .|nul.|con | |a/ /b|x. . ."},
+        {"a name is that of a device.",
+         u"nul|CON|con|PrN|AUX|Nul.txt|aux.tar.gz|con .txt|a/nul|nul/a|a\\COM1|com0|COM9.log|lpt1|LPT9.x|"
+         u"COM\u00B9|com\u00B2.txt|LPT\u00B3|CONIN$|conout$.x|CLOCK$|prn  .a|NUL..x|a/b/aux.c"},
+    };
+    for (Group const &group : Groups)
+        for (TStringCore const &text : TStringCore(group.texts).split(u'|'))
+            visit(group.reason, text);
 }

@@ -1,6 +1,7 @@
 // Random paths contradict neither themselves nor, where the rules are the same, the standard library.
 
 #include "vansys/TPathCore.h"
+#include "vansys/TPathCoreFilesystem.h"
 
 #include "path/PathContradiction.h"
 #include "support/TestText.h"
@@ -11,6 +12,8 @@
 
 namespace
 {
+
+namespace fs = std::filesystem;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr int Rounds = 5000;
@@ -27,7 +30,7 @@ TStringCore Tight(std::u16string const &text)
 }
 
 /// With "/", as it is asked of both.
-TStringCore Text(std::filesystem::path const &path)
+TStringCore Text(fs::path const &path)
 {
     return TStringCore(path.generic_u16string().c_str());
 }
@@ -55,30 +58,34 @@ TEST(RandomPath, DoesNotContradictItself)
 
 TEST(RandomPath, IsWhatTheStandardLibraryHas)
 {
-    RandomText random(u"ab\u00E9.//cde\u20ACfgh..ijk");
+    RandomText random(u"ab\u00E9././\u20AC.");
     RandomText names(u"ab.\u20AC");
+    char16_t const *const prefixes[] = {u"", u"a", u"/a"};
+    // It keeps a separator at the end.
+    auto const normal = [](fs::path const &path)
+    { return PathToFilesystem(TPathCore(Text(path.lexically_normal()))); };
     for (int round = 0; round < Rounds; ++round)
     {
-        std::u16string const text = random.text(40);
+        int const prefix = random.number(0, 2);
+        std::u16string const text = prefixes[prefix] + random.text(round % 8 == 0 ? 80 : 16);
         std::u16string const added = std::u16string(u"n/n").append(names.text(20));
         if (text.starts_with(u"//"))
             continue; // names a computer
         TPathCore const path = Tight(text);
-        std::filesystem::path const peer = path.GenericString().toStdUString();
+        fs::path const peer = path.GenericString().toStdUString();
         SCOPED_TRACE(testing::PrintToString(path.GenericString()));
-        std::vector<std::u16string> elements;
-        for (std::filesystem::path const &element : peer)
-            elements.push_back(element.generic_u16string());
-        std::erase(elements, u""); // behind a separator at the end
-        ASSERT_TRUE(
-            std::equal(elements.begin(), elements.end(), path.Elements().begin(), path.Elements().end()));
+        std::vector<TStringCore> elements;
+        for (fs::path const &element : peer)
+            if (!element.empty()) // behind a separator at the end
+                elements.push_back(Text(element));
+        ASSERT_EQ(path.toVector(), elements);
         ASSERT_EQ(path.Filename().GenericString(), Text(peer.filename()));
         ASSERT_EQ(path.HasRootDirectory(), peer.has_root_directory());
         if (!Text(peer.filename()).startsWith(u"..")) // of such, it takes the second dot for the last
         {
             ASSERT_EQ(path.Stem().GenericString(), Text(peer.stem()));
-            TStringCore const dot = path.HasExtension() ? u"." : u"";
-            ASSERT_EQ(TStringCore(dot).append(path.Extension()), Text(peer.extension()));
+            ASSERT_EQ(path.HasExtension(), peer.has_extension());
+            ASSERT_EQ(path.Extension(), Text(peer.extension()).mid(1));
         }
         if (text.find(u"//") == text.npos && text != u"/")
         {
@@ -86,5 +93,21 @@ TEST(RandomPath, IsWhatTheStandardLibraryHas)
             ASSERT_EQ(TPathCore::fromVector(path.toVector()).GenericString(), path.GenericString());
             ASSERT_EQ((path / Tight(added)).GenericString(), Text(peer / added));
         }
+        ASSERT_EQ(PathFromFilesystem(PathToFilesystem(path)).LexicallyNormal(), path.LexicallyNormal());
+        if (prefix == 0)
+            continue; // the ways to or from nothing differ
+        TPathCore const base = Tight(prefixes[random.number(1, 2)] + random.text(16));
+        SCOPED_TRACE(testing::PrintToString(base.GenericString()));
+        fs::path const to = normal(peer), from = normal(base.GenericString().toStdUString());
+        TPathCore const relative = path.RelativeTo(base);
+        ASSERT_EQ(path.LexicallyNormal().GenericString(), Text(to));
+        // From a folder above, and on Windows from one without a root directory to one with, its way does not
+        // lead there.
+        if (!Text(from).startsWith(u"..") && to.has_root_directory() == from.has_root_directory())
+        {
+            ASSERT_EQ(relative.GenericString(), Text(to.lexically_relative(from).lexically_normal()));
+        }
+        TPathCore const there = relative.IsEmpty() ? path : base / relative;
+        ASSERT_EQ(there.LexicallyNormal().GenericString(), Text(to));
     }
 }
