@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -21,6 +22,18 @@ namespace
 int Dump(TProcessHandle process, unsigned id, std::u16string const &file)
 {
     return TStackWalker::WriteCrashDump(process, id, file.c_str(), CrashDumpType::Stacks);
+}
+
+TProcessHandle const Own = TProcessHandle(-1);
+
+unsigned OwnId()
+{
+    return static_cast<unsigned>(getpid());
+}
+
+int DumpItself(std::u16string const &file)
+{
+    return Dump(Own, OwnId(), file);
 }
 
 void ExpectFourThreads(std::filesystem::path const &file, unsigned process, char const *mainFunction)
@@ -93,24 +106,24 @@ TEST(CrashDumpLinuxTest, LeavesNothingBehindOnFailure)
     }
     std::string const pipe = folder.Path() / "pipe";
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    auto const own = static_cast<unsigned>(getpid());
-    for (std::filesystem::path const name : {pipe, std::string("/proc/dump"), file + "/dump"})
-        EXPECT_EQ(Dump(TProcessHandle(-1), own, name.u16string()), 0) << name;
-    EXPECT_EQ(Dump(TProcessHandle(-1), own, u"\xD800"), 0);
-    EXPECT_EQ(Dump(TProcessHandle(-1), own + 1, (folder.Path() / "other").u16string()), 0);
-    EXPECT_EQ(Dump(nullptr, own, (folder.Path() / "other").u16string()), 0);
+    for (std::filesystem::path const name : {pipe, std::string("/proc/dump"), file + "/dump", std::string()})
+        EXPECT_EQ(DumpItself(name.u16string()), 0) << name;
+    EXPECT_EQ(DumpItself(u"\xD800"), 0);
+    EXPECT_EQ(DumpItself(folder.Path().u16string()), 0);
+    TCodeUnit const *const none = nullptr;
+    EXPECT_EQ(TStackWalker::WriteCrashDump(Own, OwnId(), none, CrashDumpType::Stacks), 0);
+    EXPECT_EQ(Dump(Own, OwnId() + 1, (folder.Path() / "other").u16string()), 0);
+    EXPECT_EQ(Dump(nullptr, OwnId(), (folder.Path() / "other").u16string()), 0);
     EXPECT_EQ(folder.Count(), 2);
 }
 
 TEST(CrashDumpLinuxTest, FindsTheFileByAnyName)
 {
     TemporaryFolder const folder;
-    std::u16string const inFolder = folder.Path().u16string() + u"\\";
-    auto const own = static_cast<unsigned>(getpid());
-    EXPECT_NE(Dump(TProcessHandle(-1), own, inFolder + u"\u00E9\u20AC\xD83D\xDE00\xDCFF"), 0);
+    EXPECT_NE(DumpItself(folder.Path().u16string() + u"\\\u00E9\u20AC\xD83D\xDE00\xDCFF"), 0);
     EXPECT_TRUE(exists(folder.Path() / "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80\xFF"));
     std::wstring const wide = folder.Path().wstring() + L"\\\x1F600";
-    EXPECT_NE(TStackWalker::WriteCrashDump(TProcessHandle(-1), own, wide.c_str(), CrashDumpType::Stacks), 0);
+    EXPECT_NE(TStackWalker::WriteCrashDump(Own, OwnId(), wide.c_str(), CrashDumpType::Stacks), 0);
     EXPECT_TRUE(exists(folder.Path() / "\xF0\x9F\x98\x80"));
     EXPECT_EQ(folder.Count(), 2);
 }
@@ -125,32 +138,26 @@ TEST(CrashDumpLinuxTest, GoesOnWithoutAThreadThatDoesNotStop)
     ASSERT_EQ(pipe(ends), 0);
     std::atomic<int> id{0};
     // A thread stands in vfork, deaf to everything, until the child has ended.
-    std::thread deaf(
-        [&]
-        {
-            id = gettid();
-            if (vfork() == 0)
-            {
-                close(ends[1]);
-                char ignored;
-                _exit(static_cast<int>(read(ends[0], &ignored, 1)));
-            }
-        });
-    auto const isDeaf = [&]
+    auto const standInVfork = [&]
     {
-        std::string const status = "/proc/self/task/" + std::to_string(id) + "/status";
-        return folder.Contents(status).find("State:\tD") != std::string::npos;
+        id = gettid();
+        if (vfork() != 0)
+            return;
+        close(ends[1]);
+        char ignored;
+        _exit(static_cast<int>(read(ends[0], &ignored, 1)));
     };
-    while (!isDeaf())
+    std::thread deaf(standInVfork);
+    while (folder.Contents("/proc/self/task/" + std::to_string(id) + "/status").find("State:\tD") ==
+           std::string::npos)
         std::this_thread::yield();
 
     std::filesystem::path const file = folder.Path() / "dump";
-    EXPECT_NE(Dump(TProcessHandle(-1), static_cast<unsigned>(getpid()), file.u16string()), 0);
+    EXPECT_NE(DumpItself(file.u16string()), 0);
     MinidumpReport const report = ReadMinidump(folder.Contents(file));
     EXPECT_EQ(report.fault, "");
     EXPECT_FALSE(report.threads.empty());
-    for (MinidumpReport::Thread const &thread : report.threads)
-        EXPECT_NE(thread.id, static_cast<unsigned>(id.load()));
+    EXPECT_EQ(std::ranges::count(report.threads, static_cast<unsigned>(id.load())), 0);
     close(ends[1]);
     deaf.join();
     close(ends[0]);

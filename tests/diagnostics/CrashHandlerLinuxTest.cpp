@@ -12,17 +12,14 @@
 
 TEST(CrashHandler, LetsTheProgramEndAsWithoutIt)
 {
-    struct
+    std::pair<char const *, int> const rows[] = {
+        {"null", SIGSEGV},  {"division", SIGFPE},  {"abort", SIGABRT}, {"terminate", SIGABRT},
+        {"stack", SIGSEGV}, {"together", SIGSEGV}, {"sent", SIGBUS}};
+    for (auto const &[kind, signal] : rows)
     {
-        char const *kind;
-        int signal;
-    } const rows[] = {{"null", SIGSEGV},  {"division", SIGFPE},  {"abort", SIGABRT}, {"terminate", SIGABRT},
-                      {"stack", SIGSEGV}, {"together", SIGSEGV}, {"sent", SIGBUS}};
-    for (auto const &row : rows)
-    {
-        CrashRun const run(row.kind, {"without-dump"});
-        EXPECT_TRUE(run.result.WasEndedBy(row.signal)) << row.kind << ' ' << run.result.signal;
-        EXPECT_TRUE(run.IsTextComplete()) << row.kind;
+        CrashRun const run(kind, {"without-dump"});
+        EXPECT_TRUE(run.result.WasEndedBy(signal)) << kind << ' ' << run.result.signal;
+        EXPECT_TRUE(run.IsTextComplete()) << kind;
         EXPECT_TRUE(run.Files(".dmp").empty());
     }
     // The handler that was there before gets the signal, and what came with it.
@@ -34,20 +31,15 @@ TEST(CrashHandler, LetsTheProgramEndAsWithoutIt)
 
 TEST(CrashHandler, WritesWhatCanBeWritten)
 {
-    auto const limit = [](auto resource, rlim_t most)
+    auto const setLimit = []
     {
-        return ChildProcess::Setup{{},
-                                   [=]
-                                   {
-                                       rlimit const value{most, most};
-                                       setrlimit(resource, &value);
-                                   }};
+        rlimit const limit{600, 600};
+        setrlimit(RLIMIT_FSIZE, &limit);
     };
-
-    CrashRun const fullDisk("null", {}, limit(RLIMIT_FSIZE, 600));
+    CrashRun const fullDisk("null", {}, {{}, setLimit});
     EXPECT_TRUE(fullDisk.result.WasEndedBy(SIGSEGV)) << fullDisk.result.signal;
     EXPECT_EQ(fullDisk.text.size(), 600U);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(fullDisk.folder), {}), 1) << "no dump";
+    EXPECT_EQ(fullDisk.folder.Count(), 1) << "no dump";
 
     for (char const *const folder : {"/proc", "/nowhere/at/all"})
     {
@@ -97,9 +89,7 @@ TEST(CrashHandler, WritesAddressesWhereThereIsNoCopyOfTheProcess)
 TEST(CrashHandler, WritesDumpsThatADebuggerOpens)
 {
     CrashRun const run("terminate");
-    ASSERT_EQ(run.Files(".dmp").size(), 1U);
-    ExpectStacksInDebugger(run.Files(".dmp").front(), {{"ThrowUncaught", "main"}});
+    ExpectStacksInDebugger(run.Files(".dmp").at(0), {{"ThrowUncaught", "main"}});
     CrashRun const deep("thread-stack");
-    ASSERT_EQ(deep.Files(".dmp").size(), 1U);
-    ExpectStacksInDebugger(deep.Files(".dmp").front(), {{"ExhaustStack"}, {"ExhaustStackOfThread", "main"}});
+    ExpectStacksInDebugger(deep.Files(".dmp").at(0), {{"ExhaustStack"}, {"ExhaustStackOfThread", "main"}});
 }

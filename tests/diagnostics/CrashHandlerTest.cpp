@@ -27,12 +27,6 @@ constexpr char const *EveryKind[] = {"null", "malloc", "stack", "terminate"};
 constexpr int FewCrashes = 20;
 #endif
 
-struct Row
-{
-    char const *kind;
-    std::vector<std::string> texts; ///< in this order
-};
-
 void ExpectInOrder(std::string const &report, std::vector<std::string> const &texts)
 {
     std::size_t at = 0;
@@ -53,10 +47,8 @@ std::string FaultOfDump(CrashRun const &run)
     return file.starts_with("MDMP") ? "" : "no dump";
 #else
     MinidumpReport const dump = ReadMinidump(file);
-    if (!dump.fault.empty())
-        return dump.fault;
     bool const isOfThread = run.text.find("thread: " + std::to_string(dump.exceptionThread)) != run.text.npos;
-    return dump.processId == run.processId && isOfThread ? "" : "of another thread";
+    return dump.processId == run.processId && isOfThread ? dump.fault : "of another thread " + dump.fault;
 #endif
 }
 
@@ -64,26 +56,24 @@ std::string FaultOfDump(CrashRun const &run)
 
 TEST(CrashHandler, ReportsWhatHappenedAndWhere)
 {
-    Row const rows[] = {
+    std::pair<char const *, std::vector<std::string>> const rows[] = {
         {"null",
          {AccessViolation, "0x00000000 ", "CrashProgram.cpp(", "CrashOnNull\n", "main\n", "registers:\n"}},
         {"abort", {Abort, "Abort\n", "main\n"}},
         {"terminate", {Abort, "exception: std::runtime_error\n", "stack:\n", "ThrowUncaught\n"}},
         {"together", {AccessViolation, "CrashOnNull\n"}},
-#if defined(_WIN32)
-    // Not with an exhausted stack: Wine keeps no reserve on it, so that no filter runs.
-#else
+#if !defined(_WIN32) // Wine keeps no reserve on an exhausted stack, so that no filter runs.
         {"stack", {"ExhaustStack\n", " frames left out)\n", "ExhaustStack\n", "main\n"}},
         {"thread-stack", {"ExhaustStack\n", " frames left out)\n", "ExhaustStackOfThread"}},
         {"call", {AccessViolation, "stack:\n0x00000000 0x0 (module name", "CrashByCall\n", "main\n"}},
         {"division", {"SIGFPE (8), an integer divided by zero\n", "CrashByDivision\n"}},
 #endif
     };
-    for (Row const &row : rows)
+    for (auto const &[kind, texts] : rows)
     {
-        SCOPED_TRACE(row.kind);
-        CrashRun const run(row.kind);
-        ExpectInOrder(run.text, row.texts);
+        SCOPED_TRACE(kind);
+        CrashRun const run(kind);
+        ExpectInOrder(run.text, texts);
         ExpectInOrder(run.text, {"crash report 1\n", "process: " + std::to_string(run.processId),
                                  "\ntime: 20", "\nmodules:\n", "crash_program"});
         EXPECT_TRUE(run.IsTextComplete()) << run.text << run.output;

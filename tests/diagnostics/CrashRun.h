@@ -3,11 +3,10 @@
 #pragma once
 
 #include "support/ChildProcess.h"
+#include "support/TemporaryFolder.h"
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -16,17 +15,13 @@ struct CrashRun
     /// The reports go to a folder that lives as long as this, unless there is another one.
     explicit CrashRun(std::string const &kind, std::vector<std::string> const &options = {},
                       ChildProcess::Setup setup = {}, std::string const &otherFolder = {})
-        : folder(
-              std::filesystem::temp_directory_path() /
-              ("vansys-crash-" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count())))
     {
-        std::filesystem::create_directory(folder);
-        std::filesystem::permissions(folder, std::filesystem::perms::all);
+        std::filesystem::permissions(folder.Path(), std::filesystem::perms::all);
         // The sanitizers have handlers of their own, which would be the previous ones.
         for (char const *const name : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             setup.environment.push_back(name + std::string("=handle_segv=0:handle_sigbus=0:handle_sigfpe=0:"
                                                            "handle_abort=0:handle_sigill=0:detect_leaks=0"));
-        std::vector<std::string> arguments{otherFolder.empty() ? folder.string() : otherFolder, kind};
+        std::vector<std::string> arguments{otherFolder.empty() ? folder.Path().string() : otherFolder, kind};
         arguments.insert(arguments.end(), options.begin(), options.end());
         auto const begin = std::chrono::steady_clock::now();
         ChildProcess child(VANSYS_HELPER_CRASH_PROGRAM, arguments, setup);
@@ -36,19 +31,12 @@ struct CrashRun
         output = child.Output();
         text = OnlyFile(".txt");
     }
-    ~CrashRun()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder, ignored);
-    }
-    CrashRun(CrashRun const &) = delete;
-    CrashRun &operator=(CrashRun const &) = delete;
 
     /// The paths of the files that end in this.
     std::vector<std::string> Files(std::string const &extension) const
     {
         std::vector<std::string> files;
-        for (auto const &entry : std::filesystem::directory_iterator(folder))
+        for (auto const &entry : std::filesystem::directory_iterator(folder.Path()))
             if (entry.path().extension() == extension)
                 files.push_back(entry.path().string());
         return files;
@@ -58,13 +46,12 @@ struct CrashRun
     std::string OnlyFile(std::string const &extension) const
     {
         std::vector<std::string> const files = Files(extension);
-        std::ifstream file(files.size() == 1 ? files.front() : std::string(), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        return files.size() == 1 ? TemporaryFolder::Contents(files.front()) : std::string();
     }
 
     bool IsTextComplete() const { return text.ends_with("\nend of crash report\n"); }
 
-    std::filesystem::path folder;
+    TemporaryFolder const folder;
     unsigned processId = 0;
     ChildProcess::Result result;
     std::chrono::duration<double> duration{};

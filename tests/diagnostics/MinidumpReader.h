@@ -9,22 +9,14 @@
 
 struct MinidumpReport
 {
-    struct Thread
-    {
-        std::uint32_t id;
-        std::uint64_t stackPointer;
-    };
-
     std::string fault; ///< empty for a dump that is as it should be; else the rest says what was read before
-    std::uint32_t platform = 0;
     std::uint32_t processId = 0;
     std::uint32_t exceptionCode = 0;
     std::uint32_t exceptionThread = 0;
-    std::uint64_t exceptionAddress = 0;
     std::size_t memoryParts = 0;
     std::uint64_t memorySize = 0;
-    std::vector<Thread> threads;
-    std::vector<std::string> modules; ///< names; others than ASCII characters as `?`
+    std::vector<std::uint32_t> threads; ///< ids
+    std::vector<std::string> modules;   ///< names; others than ASCII characters as `?`
     std::size_t identifiedModules = 0;
 };
 

@@ -13,7 +13,6 @@
 #include <csignal>
 #include <cstddef>
 #include <iostream>
-#include <linux/audit.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <memory>
@@ -38,7 +37,8 @@ struct Shared
 
     void End()
     {
-        isOver = true;
+        if (isOver.exchange(true))
+            return;
         over.Signal();
         close(ends[1]);
     }
@@ -51,11 +51,17 @@ struct Shared
 };
 
 #if defined(__SANITIZE_THREAD__)
-constexpr bool HandlersWaitForCalls =
-    true; // of functions that the sanitizer knows, which those of events are not
+constexpr bool HandlersWaitForCalls = true; // of functions that the sanitizer knows, unlike those of events
 #else
 constexpr bool HandlersWaitForCalls = false;
 #endif
+
+void ChangeMask(int how)
+{
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(how, &all, nullptr);
+}
 
 [[gnu::noinline]] void Waiting(Shared &shared)
 {
@@ -69,8 +75,7 @@ constexpr bool HandlersWaitForCalls = false;
 [[gnu::noinline]] void Spinning(Shared &shared)
 {
     while (!shared.isOver)
-        for (int i = 0; i < 10'000; ++i)
-            KeepFrame();
+        KeepFrame();
 }
 
 [[gnu::noinline]] void Reading(Shared &shared)
@@ -87,16 +92,13 @@ constexpr bool HandlersWaitForCalls = false;
 
 [[gnu::noinline]] void Napping(Shared &shared)
 {
-    timespec const nap{0, 100'000'000};
-    while (!shared.isOver)
+    for (timespec const nap{0, 100'000'000}; !shared.isOver;)
         shared.disturbed += nanosleep(&nap, nullptr) < 0 ? 1 : 0;
 }
 
 [[gnu::noinline]] void Blocking(Shared &shared)
 {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, nullptr);
+    ChangeMask(SIG_BLOCK);
     ++shared.blocking;
     shared.over.Wait();
     KeepFrame();
@@ -104,15 +106,10 @@ constexpr bool HandlersWaitForCalls = false;
 
 Shared *g_shared = nullptr;
 
-void Handle(int)
-{
-    Waiting(*g_shared);
-}
-
 [[gnu::noinline]] void Handling(Shared &shared)
 {
     g_shared = &shared;
-    std::signal(SIGUSR1, Handle);
+    std::signal(SIGUSR1, [](int) { Waiting(*g_shared); });
     std::raise(SIGUSR1);
     KeepFrame();
 }
@@ -124,6 +121,15 @@ namespace
 
 using Access = TStackWalker::ThreadAccess;
 using walked::Shared;
+
+/// A thread in one of the functions above.
+struct BusyThread : WalkedThread
+{
+    BusyThread(Shared &shared, void (*function)(Shared &))
+        : WalkedThread([&shared, function] { function(shared); }, [&shared] { shared.End(); })
+    {
+    }
+};
 
 /// Whether this machine lets a process attach to its parent. Asked without the walker.
 bool CanAttach()
@@ -148,11 +154,6 @@ void Forbid(unsigned call)
     sock_fprog const filter{static_cast<unsigned short>(program.size()), program.data()};
     ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
     ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter), 0);
-}
-
-std::string NoAnswer(WalkedThread const &thread)
-{
-    return "(thread " + std::to_string(thread.Id()) + " did not answer)";
 }
 
 class StoppedThreads : public testing::TestWithParam<Access>
@@ -189,19 +190,20 @@ INSTANTIATE_TEST_SUITE_P(, StoppedThreads, testing::Values(Access::Automatic, Ac
 
 TEST_P(StoppedThreads, AreSeenFiftyAtATime)
 {
-    if (walked::HandlersWaitForCalls && GetParam() == Access::Signal)
+    bool const isBySignal = GetParam() == Access::Signal;
+    if (walked::HandlersWaitForCalls && isBySignal)
         GTEST_SKIP() << "the thread sanitizer puts handlers off while a thread reads";
+    static std::atomic<int> s_childSignals{0};
+    s_childSignals = 0;
+    std::signal(SIGCHLD, [](int) { ++s_childSignals; });
     struct Kind
     {
         void (*function)(Shared &);
         char const *name;
     } constexpr Kinds[] = {{walked::Waiting, "!walked::Waiting"},   {walked::Reading, "!walked::Reading"},
                            {walked::Polling, "!walked::Polling"},   {walked::Napping, "!walked::Napping"},
-                           {walked::Blocking, "!walked::Blocking"}, {walked::Spinning, "!walked::Spinning"}};
+                           {walked::Spinning, "!walked::Spinning"}, {walked::Blocking, "!walked::Blocking"}};
     constexpr int PerKind = 9;
-    static std::atomic<int> s_childSignals{0};
-    std::signal(SIGCHLD, [](int) { ++s_childSignals; });
-    s_childSignals = 0;
 
     Shared shared;
     std::vector<std::unique_ptr<WalkedThread>> threads;
@@ -209,7 +211,7 @@ TEST_P(StoppedThreads, AreSeenFiftyAtATime)
     {
         for (int i = 0; i < PerKind; ++i)
         {
-            threads.push_back(std::make_unique<WalkedThread>([&] { kind.function(shared); }));
+            threads.push_back(std::make_unique<BusyThread>(shared, kind.function));
             if (kind.function != walked::Blocking)
                 WalkInto(*threads.back(), kind.name);
         }
@@ -222,19 +224,17 @@ TEST_P(StoppedThreads, AreSeenFiftyAtATime)
     bool const result = m_walker.GenerateCallstacksForAllThreads();
     auto const duration = std::chrono::steady_clock::now() - start;
 
-    bool const isBySignal = GetParam() == Access::Signal;
     EXPECT_FALSE(result && isBySignal);
     for (Kind const &kind : Kinds)
         EXPECT_EQ(m_walker.Count(kind.name), isBySignal && kind.function == walked::Blocking ? 0 : PerKind)
             << m_walker.Text();
-    for (int i = 0; i < PerKind; ++i)
-        EXPECT_EQ(m_walker.Count(NoAnswer(*threads[static_cast<std::size_t>(4 * PerKind + i)])),
-                  isBySignal ? 1 : 0);
+    EXPECT_EQ(m_walker.Count("(thread " + std::to_string(threads.back()->Id()) + " did not answer)"),
+              isBySignal ? 1 : 0);
+    EXPECT_EQ(m_walker.Count(" did not answer)"), isBySignal ? PerKind : 0);
     EXPECT_LT(duration, std::chrono::seconds(8)); // one limit for all, and much time for a busy machine
     std::cout << duration / std::chrono::milliseconds(1) << " ms for all threads\n";
     EXPECT_TRUE(GetParam() != Access::Attach || shared.disturbed == disturbedBefore);
 
-    shared.End();
     threads.clear();
     EXPECT_EQ(s_childSignals, 0);
     std::signal(SIGCHLD, SIG_DFL);
@@ -247,15 +247,11 @@ TEST_P(StoppedThreads, AreSeenInHandlersWithoutTheTrampoline)
     if (walked::HandlersWaitForCalls && GetParam() == Access::Signal)
         GTEST_SKIP() << "the thread sanitizer runs no handler in a handler";
     Shared shared;
-    {
-        WalkedThread const thread([&] { walked::Handling(shared); });
-        WalkInto(thread, "!walked::Waiting");
-        EXPECT_EQ(m_walker.Count("!walked::Handling"), 1) << m_walker.Text();
-        EXPECT_EQ(m_walker.Count("restore_rt"), 0) << m_walker.Text();
-        EXPECT_EQ(m_walker.Count("clone"), 0) << m_walker.Text(); // the outermost frame
-        EXPECT_EQ(m_walker.Count("sigaction"), 0) << m_walker.Text();
-        shared.End();
-    }
+    BusyThread const thread(shared, walked::Handling);
+    WalkInto(thread, "!walked::Waiting");
+    EXPECT_EQ(m_walker.Count("!walked::Handling"), 1) << m_walker.Text();
+    for (char const *const left : {"restore_rt", "sigaction", "clone"}) // the last is the outermost frame
+        EXPECT_EQ(m_walker.Count(left), 0) << m_walker.Text();
 }
 
 TEST_P(StoppedThreads, AreThoseOfThisProcess)
@@ -272,63 +268,51 @@ TEST_P(StoppedThreads, AreThoseOfThisProcess)
 TEST_P(StoppedThreads, NeedFilesToBeListed)
 {
     Shared shared;
-    {
-        WalkedThread const thread([&] { walked::Waiting(shared); });
-        WalkInto(thread, "!walked::Waiting");
-        rlimit before{};
-        getrlimit(RLIMIT_NOFILE, &before);
-        rlimit const none{0, before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &none);
-        m_walker.Reset();
-        EXPECT_FALSE(m_walker.GenerateCallstacksForAllThreads());
-        EXPECT_TRUE(m_walker.GetCallstack().empty());
-        EXPECT_TRUE(m_walker.GenerateCallstack(thread.Id()));
-        EXPECT_EQ(m_walker.Count("!walked::Waiting"), 1) << m_walker.Text();
-        setrlimit(RLIMIT_NOFILE, &before);
-        EXPECT_TRUE(m_walker.GenerateCallstacksForAllThreads() || GetParam() == Access::Signal);
-        shared.End();
-    }
+    BusyThread const thread(shared, walked::Waiting);
+    WalkInto(thread, "!walked::Waiting");
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    rlimit const none{0, before.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    m_walker.Reset();
+    EXPECT_FALSE(m_walker.GenerateCallstacksForAllThreads());
+    EXPECT_TRUE(m_walker.GetCallstack().empty());
+    EXPECT_TRUE(m_walker.GenerateCallstack(thread.Id()));
+    EXPECT_EQ(m_walker.Count("!walked::Waiting"), 1) << m_walker.Text();
+    setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_TRUE(m_walker.GenerateCallstacksForAllThreads() || GetParam() == Access::Signal);
 }
 
 TEST(StoppedThreadsBySignal, MayAnswerLate)
 {
-    TEvent blocked;
-    TEvent unblock;
-    TEvent unblocked;
     Shared shared;
-    WalkedThread const thread(
-        [&]
+    std::atomic<bool> isBlocking{false};
+    auto const run = [&]
+    {
+        for (int round = 0; round < 2; ++round)
         {
-            sigset_t all;
-            sigset_t before;
-            sigfillset(&all);
-            for (int round = 0; round < 2; ++round)
-            {
-                pthread_sigmask(SIG_SETMASK, &all, &before);
-                blocked.Signal();
-                unblock.Wait();
-                unblock.Reset();
-                pthread_sigmask(SIG_SETMASK, &before, nullptr);
-                unblocked.Signal();
-            }
-            walked::Waiting(shared);
-        });
+            walked::ChangeMask(SIG_BLOCK);
+            isBlocking = true;
+            while (isBlocking)
+                usleep(100);
+            walked::ChangeMask(SIG_UNBLOCK);
+        }
+        walked::Waiting(shared);
+    };
+    WalkedThread const thread(run, [&shared] { shared.End(); });
     RecordingWalker walker;
     walker.SetThreadAccess(Access::Signal);
     for (int round = 0; round < 2; ++round)
     {
-        blocked.Wait();
-        blocked.Reset();
+        while (!isBlocking)
+            usleep(100);
         EXPECT_FALSE(walker.GenerateCallstack(thread.Id()));
         EXPECT_FALSE(walker.GenerateCallstack(thread.Id())); // asks nothing new
         EXPECT_TRUE(walker.GetCallstack().empty());
-        unblock.Signal();
-        unblocked.Wait();
-        unblocked.Reset();
+        isBlocking = false;
     }
     EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
     EXPECT_FALSE(walker.GetCallstack().empty());
-    shared.End();
 }
 
 TEST(StoppedThreadsInSandboxes, AreAskedBySignalAndReadWithoutCalls)
@@ -336,28 +320,24 @@ TEST(StoppedThreadsInSandboxes, AreAskedBySignalAndReadWithoutCalls)
     if (!CanAttach())
         GTEST_SKIP() << "this machine does not let processes attach to others";
     Shared shared;
+    BusyThread const thread(shared, walked::Waiting);
+    RecordingWalker walker;
+    while (walker.Count("!walked::Waiting") == 0)
+        walker.GenerateCallstack(thread.Id());
+    walker.Reset();
+    auto const walk = [&]
     {
-        WalkedThread const thread([&] { walked::Waiting(shared); });
-        RecordingWalker walker;
-        while (walker.Count("!walked::Waiting") == 0)
-            walker.GenerateCallstack(thread.Id());
-        walker.Reset();
-        std::thread(
-            [&]
-            {
-                Forbid(SYS_process_vm_readv);
-                walker.SetThreadAccess(Access::Attach);
-                EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
-                EXPECT_EQ(walker.Count("!walked::Waiting"), 1) << walker.Text();
-                Forbid(SYS_ptrace);
-                EXPECT_FALSE(walker.GenerateCallstack(thread.Id()));
-                walker.SetThreadAccess(Access::Automatic);
-                EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
-                EXPECT_EQ(walker.Count("!walked::Waiting"), 2) << walker.Text();
-            })
-            .join();
-        shared.End();
-    }
+        Forbid(SYS_process_vm_readv);
+        walker.SetThreadAccess(Access::Attach);
+        EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
+        EXPECT_EQ(walker.Count("!walked::Waiting"), 1) << walker.Text();
+        Forbid(SYS_ptrace);
+        EXPECT_FALSE(walker.GenerateCallstack(thread.Id()));
+        walker.SetThreadAccess(Access::Automatic);
+        EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
+        EXPECT_EQ(walker.Count("!walked::Waiting"), 2) << walker.Text();
+    };
+    std::thread(walk).join();
 }
 
 } // namespace

@@ -3,13 +3,13 @@
 
 #include "main/diagnostics/SymbolMap.h"
 #include "main/platform/Windows.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +19,7 @@ namespace
 
 namespace fs = std::filesystem;
 using vansys::detail::LookUpInSymbolMap;
+using vansys::detail::LookUpSymbol;
 using vansys::detail::Symbol;
 
 fs::path const Dll = VANSYS_DLL;
@@ -49,11 +50,13 @@ std::vector<Address> ReadAddresses()
     return addresses;
 }
 
-// Where the debugging information has only a function's name in its scope, the list has no more, either.
+// Where the debugging information has only a function's name in its scope, the list has no more, either. Of
+// the stripped library, the system's symbol handler knows no lines.
 TEST(SymbolMaps, KnowWhatTheDebuggingInformationSays)
 {
     std::uintptr_t const base = Load(Dll);
-    ASSERT_NE(base, 0u);
+    std::uintptr_t const stripped = Load(VANSYS_STRIPPED_DLL);
+    ASSERT_TRUE(base && stripped);
     int fullNames = 0;
     for (auto const &[distance, function, file, line] : ReadAddresses())
     {
@@ -66,84 +69,55 @@ TEST(SymbolMaps, KnowWhatTheDebuggingInformationSays)
                     symbol.function.find(function.substr(0, function.find('<'))) != std::string::npos)
             << function << " is " << symbol.fullFunction;
         fullNames += isFull;
+        Symbol const lookedUp = LookUpSymbol(stripped + distance);
+        EXPECT_TRUE(lookedUp.file == file && lookedUp.line == line) << distance;
+        EXPECT_EQ(lookedUp.module + lookedUp.notice, "stripped");
     }
     EXPECT_GT(fullNames, 500);
 }
 
-// Of the stripped library, the system's symbol handler knows no lines.
-TEST(SymbolMaps, NameWhatTheSymbolHandlerDoesNotKnow)
-{
-    std::uintptr_t const base = Load(VANSYS_STRIPPED_DLL);
-    ASSERT_NE(base, 0u);
-    for (Address const &address : ReadAddresses())
-    {
-        Symbol const symbol = vansys::detail::LookUpSymbol(base + address.distance);
-        EXPECT_EQ(symbol.file, address.file);
-        EXPECT_EQ(symbol.line, address.line);
-        EXPECT_EQ(symbol.module, "stripped");
-        EXPECT_EQ(symbol.notice, "");
-    }
-}
-
 TEST(SymbolMaps, SayOnceWhyTheyAreIgnored)
 {
-    enum MapIs
-    {
-        Absent,
-        AFolder,
-        Changed
-    };
+    constexpr std::size_t Nothing = 0; // is changed: the map is a folder
     struct Row
     {
-        char const *name;
-        MapIs map;
+        std::string name;
         std::size_t changedAt;
         bool isChecksumRight;
-        char const *notice;
-    };
-    constexpr Row Rows[] = {
-        {"absent", Absent, 0, false, ""},
-        {"folder", AFolder, 0, false, "(symbol map folder.vsym ignored: it cannot be read)"},
-        {"damaged", Changed, 100, false, "(symbol map damaged.vsym ignored: it is damaged)"},
-        {"later", Changed, 4, false, "(symbol map later.vsym ignored: it is of another version)"},
-        {"other.build", Changed, 16, true,
-         "(symbol map other.build.vsym ignored: it belongs to another module)"},
-    };
-    std::ifstream file(fs::path(Dll).replace_extension(".vsym"), std::ios::binary);
-    std::string const sound{std::istreambuf_iterator<char>(file), {}};
-    fs::path const folder = fs::temp_directory_path() / "vansys symbol maps";
-    fs::remove_all(folder);
-    fs::create_directories(folder);
+        std::string reason;
+    } const rows[] = {{"folder", Nothing, false, "it cannot be read"},
+                      {"damaged", 100, false, "it is damaged"},
+                      {"later", 4, false, "it is of another version"},
+                      {"other.build", 16, true, "it belongs to another module"}};
+    TemporaryFolder const folder;
     std::vector<std::uintptr_t> modules;
-    for (Row const &row : Rows)
+    for (Row const &row : rows)
     {
         SCOPED_TRACE(row.name);
-        fs::path const map = folder / (std::string(row.name) + ".vsym");
-        fs::path const copy = folder / (std::string(row.name) + ".dll");
+        fs::path const map = folder.Path() / (row.name + ".vsym");
+        fs::path const copy = folder.Path() / (row.name + ".dll");
         fs::copy_file(VANSYS_STRIPPED_DLL, copy);
-        if (row.map == AFolder)
+        std::string bytes = folder.Contents(fs::path(Dll).replace_extension(".vsym"));
+        bytes[row.changedAt] = static_cast<char>(bytes[row.changedAt] ^ 0x7F);
+        std::uint32_t const checksum = vansys::detail::Crc32(std::string_view(bytes).substr(16));
+        if (row.isChecksumRight)
+            std::memcpy(&bytes[12], &checksum, sizeof checksum);
+        if (row.changedAt == Nothing)
             fs::create_directory(map);
-        if (row.map == Changed)
-        {
-            std::string bytes = sound;
-            bytes[row.changedAt] = static_cast<char>(bytes[row.changedAt] ^ 0x7F);
-            std::uint32_t const checksum = vansys::detail::Crc32(std::string_view(bytes).substr(16));
-            if (row.isChecksumRight)
-                std::memcpy(&bytes[12], &checksum, sizeof checksum);
+        else
             std::ofstream(map, std::ios::binary) << bytes;
-        }
         modules.push_back(Load(copy));
         ASSERT_NE(modules.back(), 0u);
-        for (char const *const notice : {row.notice, ""})
+        std::string const notice = "(symbol map " + row.name + ".vsym ignored: " + row.reason + ")";
+        for (std::string const &expected : {notice, std::string()})
         {
-            Symbol const symbol = vansys::detail::LookUpSymbol(modules.back() + 0x1000);
+            Symbol const symbol = LookUpSymbol(modules.back() + 0x1000);
             EXPECT_EQ(symbol.line, 0u);
-            EXPECT_EQ(symbol.notice, notice);
+            EXPECT_EQ(symbol.notice, expected);
         }
     }
     for (std::uintptr_t const module : modules)
         FreeLibrary(reinterpret_cast<HMODULE>(module));
-    fs::remove_all(folder);
 }
 
 } // namespace

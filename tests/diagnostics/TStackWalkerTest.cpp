@@ -42,9 +42,8 @@ bool (*volatile g_recurse)(int, TStackWalker &) = Recurse;
     return result;
 }
 
-[[gnu::noinline]] void Asleep(TEvent const &started, TEvent const &end)
+[[gnu::noinline]] void Asleep(TEvent const &end)
 {
-    started.Signal();
     end.Wait();
     KeepFrame();
 }
@@ -58,55 +57,55 @@ using Entry = TStackWalker::CallstackEntry;
 
 TEST(TStackWalker, MakesLinesOfEntries)
 {
+    constexpr TStackWalker::CallstackEntryType First = TStackWalker::firstEntry;
+    constexpr TStackWalker::CallstackEntryType Next = TStackWalker::nextEntry;
+    constexpr TStackWalker::CallstackEntryType Last = TStackWalker::lastEntry;
     Entry nothing;
     nothing.programCounter = 0xABC;
     Entry unknown;
     unknown.programCounter = 0x5A2F10;
     unknown.name = "Parse";
     unknown.moduleName = "core";
-    Entry known = unknown;
-    known.lineFileName = "src/parser.cpp";
-    known.lineNumber = 212;
-    auto const in = [&known](char const *file)
+    auto const in = [&unknown](char const *file)
     {
-        Entry entry = known;
+        Entry entry = unknown;
         entry.lineFileName = file;
+        entry.lineNumber = 212;
         return entry;
     };
+    Entry const known = in("src/parser.cpp");
     struct Case
     {
         unsigned number;
         TStackWalker::CallstackEntryType type;
         Entry entry;
-        char const *flags; ///< those that are on: number, address, line, file
-        char const *line;
+        std::string_view flags; ///< those that are on: number, address, line, file
+        std::string line;
     } const cases[] = {
-        {0xF3C, TStackWalker::nextEntry, known, "nalf", "0x00000F3C src/parser.cpp(212): core!Parse"},
-        {0xF3C, TStackWalker::nextEntry, unknown, "nalf", "0x00000F3C 0x5A2F10 core!Parse"},
-        {0, TStackWalker::firstEntry, nothing, "nalf",
-         "0x00000000 0xABC (module name not available)!(symbol not available)"},
-        {1, TStackWalker::nextEntry, known, "al", "(212): core!Parse"},
-        {1, TStackWalker::nextEntry, known, "nf", "0x00000001 src/parser.cppcore!Parse"},
-        {1, TStackWalker::nextEntry, unknown, "nlf", "0x00000001core!Parse"},
-        {1, TStackWalker::nextEntry, unknown, "", "core!Parse"},
-        {1, TStackWalker::lastEntry, known, "nalf", ""},
-        {1, TStackWalker::nextEntry, Entry(), "nalf", ""},
-        {1, TStackWalker::nextEntry, in("C:\\x\\STACKWALKER.cpp"), "nalf", ""},
-        {1, TStackWalker::nextEntry, in("a/MemoryTrackingCommunication.cpp"), "nalf", ""},
-        {1, TStackWalker::nextEntry, in("TMemory.CPP"), "", ""},
-        {1, TStackWalker::nextEntry, in("a/tmemory.cpp/b"), "f", " a/tmemory.cpp/bcore!Parse"},
+        {0xF3C, Next, known, "nalf", "0x00000F3C src/parser.cpp(212): core!Parse"},
+        {0xF3C, Next, unknown, "nalf", "0x00000F3C 0x5A2F10 core!Parse"},
+        {0, First, nothing, "nalf", "0x00000000 0xABC (module name not available)!(symbol not available)"},
+        {1, Next, known, "al", "(212): core!Parse"},
+        {1, Next, known, "nf", "0x00000001 src/parser.cppcore!Parse"},
+        {1, Next, unknown, "nlf", "0x00000001core!Parse"},
+        {1, Next, unknown, "", "core!Parse"},
+        {1, Last, known, "nalf", ""},
+        {1, Next, Entry(), "nalf", ""},
+        {1, Next, in("C:\\x\\STACKWALKER.cpp"), "nalf", ""},
+        {1, Next, in("a/MemoryTrackingCommunication.cpp"), "nalf", ""},
+        {1, Next, in("TMemory.CPP"), "", ""},
+        {1, Next, in("a/tmemory.cpp/b"), "f", " a/tmemory.cpp/bcore!Parse"},
     };
     for (Case const &row : cases)
     {
         RecordingWalker walker;
-        std::string_view const flags = row.flags;
-        walker.IncludeThreadInfo(flags.find('n') != flags.npos);
-        walker.IncludeSystemMemoryAddresses(flags.find('a') != flags.npos);
-        walker.IncludeFileLineNumber(flags.find('l') != flags.npos);
-        walker.IncludeFileName(flags.find('f') != flags.npos);
+        auto const has = [&row](char flag) { return row.flags.find(flag) != row.flags.npos; };
+        walker.IncludeThreadInfo(has('n'));
+        walker.IncludeSystemMemoryAddresses(has('a'));
+        walker.IncludeFileLineNumber(has('l'));
+        walker.IncludeFileName(has('f'));
         walker.OnCallstackEntry(row.number, row.type, row.entry);
-        std::string const expected = *row.line ? std::string(row.line) + '\n' : "";
-        EXPECT_EQ(walker.Text(), expected) << row.entry.lineFileName << " " << row.flags;
+        EXPECT_EQ(walker.Text(), row.line.empty() ? "" : row.line + '\n') << row.entry.lineFileName;
     }
 }
 
@@ -154,24 +153,22 @@ TEST(TStackWalker, EndsRecursionsAtTheLimit)
 
 TEST(TStackWalker, WalksOtherThreads)
 {
-    TEvent started;
-    TEvent end;
+    TEvent const end;
+    WalkedThread const thread([&end] { walked::Asleep(end); }, [&end] { end.Signal(); });
+    RecordingWalker walker;
+    do
     {
-        WalkedThread const thread([&] { walked::Asleep(started, end); });
-        started.Wait();
-        RecordingWalker walker;
-        EXPECT_TRUE(walker.GenerateCallstack(thread.Id()));
-        EXPECT_EQ(walker.Count("!walked::Asleep"), 1) << walker.Text();
-        EXPECT_EQ(walker.walkedThreadId, thread.Id());
-        EXPECT_EQ(walker.GetCallstack().front().substr(0, 11), "0x00000000 ");
+        walker.Reset();
+        ASSERT_TRUE(walker.GenerateCallstack(thread.Id()));
+    } while (walker.Count("!walked::Asleep") == 0);
+    EXPECT_EQ(walker.walkedThreadId, thread.Id());
+    EXPECT_EQ(walker.GetCallstack().front().substr(0, 11), "0x00000000 ");
 
-        RecordingWalker all;
-        all.GenerateCallstacksForAllThreads();
-        EXPECT_EQ(all.Count("!walked::Asleep"), 1) << all.Text();
-        EXPECT_EQ(all.firstEntries, all.Count("0x00000000 "));
-        EXPECT_GE(all.firstEntries, 2);
-        end.Signal();
-    }
+    RecordingWalker all;
+    all.GenerateCallstacksForAllThreads();
+    EXPECT_EQ(all.Count("!walked::Asleep"), 1) << all.Text();
+    EXPECT_EQ(all.firstEntries, all.Count("0x00000000 "));
+    EXPECT_GE(all.firstEntries, 2);
 }
 
 TEST(TStackWalker, RefusesWhatIsNoThreadOfTheProcess)
@@ -180,27 +177,14 @@ TEST(TStackWalker, RefusesWhatIsNoThreadOfTheProcess)
     EXPECT_FALSE(walker.GenerateCallstack(0xFFFFFFF0));
     EXPECT_TRUE(walker.GetCallstack().empty());
 
-    class Foreign : public TStackWalker
+    struct Foreign : TStackWalker
     {
-    public:
         Foreign() : TStackWalker(nullptr, 1) {}
         void OnOutput(char const *) override { ADD_FAILURE(); }
     } foreign;
     EXPECT_FALSE(foreign.GenerateCallstack());
     EXPECT_FALSE(foreign.GenerateCallstack(1));
     EXPECT_FALSE(foreign.GenerateCallstacksForAllThreads());
-}
-
-TEST(TStackWalkerCollector, KeepsLinesUntilReset)
-{
-    TStackWalkerCollector walker;
-    walker.OnOutput("a");
-    TStackWalkerCollector const copy(walker);
-    walker.OnOutput("b");
-    EXPECT_EQ(copy.GetCallstack(), std::list<std::string>{"a"});
-    EXPECT_EQ(walker.GetCallstack(), (std::list<std::string>{"a", "b"}));
-    walker.Reset();
-    EXPECT_TRUE(walker.GetCallstack().empty());
 }
 
 } // namespace

@@ -50,12 +50,14 @@ public:
     }
 };
 
-/// A thread that runs a function. Its constructor returns when the thread is about to call it.
+/// A thread that runs a function. Its constructor returns when the thread is about to call it; its destructor
+/// calls `end`, after which the function has to return.
 class WalkedThread
 {
 public:
-    explicit WalkedThread(std::function<void()> function)
-        : m_thread(
+    WalkedThread(std::function<void()> function, std::function<void()> end)
+        : m_end(std::move(end)),
+          m_thread(
               [this, function = std::move(function)]
               {
                   RecordingWalker walker;
@@ -67,12 +69,17 @@ public:
     {
         m_start.Wait();
     }
-    ~WalkedThread() { m_thread.join(); }
+    ~WalkedThread()
+    {
+        m_end();
+        m_thread.join();
+    }
 
     unsigned Id() const { return m_id; }
 
 private:
     unsigned m_id = 0;
     Latch m_start{1};
+    std::function<void()> m_end;
     std::thread m_thread;
 };
