@@ -2,9 +2,9 @@
 
 #include "main/diagnostics/FrameLine.h"
 #include "main/diagnostics/Frames.h"
+#include "main/diagnostics/OutOfMemory.h"
 #include "main/diagnostics/Symbols.h"
 
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -57,20 +57,6 @@ TStackWalker::CallstackEntry EntryOf(detail::Frame const &frame, detail::Symbol 
     return entry;
 }
 
-/// Runs a walk. Being out of memory is a result of it.
-template <class Walk>
-bool FalseWithoutMemory(Walk const &walk)
-{
-    try
-    {
-        return walk();
-    }
-    catch (std::bad_alloc const &)
-    {
-        return false;
-    }
-}
-
 } // namespace
 
 TStackWalker::TStackWalker(TProcessHandle process, unsigned processId)
@@ -91,8 +77,13 @@ void TStackWalker::SetSymbolSearchPath(std::string path)
 }
 
 bool TStackWalker::LoadModules()
+try
 {
-    return FalseWithoutMemory([this] { return detail::LoadModules(m_symbolSearchPath); });
+    return detail::LoadModules(m_symbolSearchPath);
+}
+catch (...)
+{
+    return detail::FalseIfOutOfMemory();
 }
 
 // What follows is entered from outside by calls, never inlined: the caller's frame is where the calling
@@ -129,56 +120,57 @@ bool TStackWalker::IsOwnProcess() const noexcept
 }
 
 bool TStackWalker::WalkCallingThread(void const *returnAddress)
+try
 {
     if (!IsOwnProcess() || !LoadModules())
         return false;
-    return FalseWithoutMemory(
-        [&]
-        {
-            GiveOut(detail::WalkCallingThread(returnAddress));
-            return true;
-        });
+    GiveOut(detail::WalkCallingThread(returnAddress));
+    return true;
+}
+catch (...)
+{
+    return detail::FalseIfOutOfMemory();
 }
 
 bool TStackWalker::WalkOtherThread(unsigned threadId)
+try
 {
     if (!IsOwnProcess() || !LoadModules())
         return false;
-    return FalseWithoutMemory(
-        [&]
-        {
-            detail::ThreadStack const stack =
-                detail::WalkThreads({threadId}, AccessOf(m_threadAccess)).front();
-            if (stack.answer != detail::ThreadStack::Answer::Given)
-                return false;
-            GiveOut(stack);
-            return true;
-        });
+    detail::ThreadStack const stack = detail::WalkThreads({threadId}, AccessOf(m_threadAccess)).front();
+    if (stack.answer != detail::ThreadStack::Answer::Given)
+        return false;
+    GiveOut(stack);
+    return true;
+}
+catch (...)
+{
+    return detail::FalseIfOutOfMemory();
 }
 
 bool TStackWalker::WalkAllThreads(void const *returnAddress)
+try
 {
     if (!IsOwnProcess() || !LoadModules())
         return false;
-    return FalseWithoutMemory(
-        [&]
-        {
-            std::vector<unsigned> others = detail::ListThreads();
-            if (others.empty())
-                return false;
-            std::erase(others, detail::CurrentThreadId());
-            std::vector<detail::ThreadStack> const stacks =
-                detail::WalkThreads(others, AccessOf(m_threadAccess));
-            GiveOut(detail::WalkCallingThread(returnAddress));
-            bool haveAllAnswered = true;
-            for (detail::ThreadStack const &stack : stacks)
-            {
-                GiveOut(stack);
-                // A thread that has ended since they were listed is none of the process any more.
-                haveAllAnswered &= stack.answer != detail::ThreadStack::Answer::None;
-            }
-            return haveAllAnswered;
-        });
+    std::vector<unsigned> others = detail::ListThreads();
+    if (others.empty())
+        return false;
+    std::erase(others, detail::CurrentThreadId());
+    std::vector<detail::ThreadStack> const stacks = detail::WalkThreads(others, AccessOf(m_threadAccess));
+    GiveOut(detail::WalkCallingThread(returnAddress));
+    bool haveAllAnswered = true;
+    for (detail::ThreadStack const &stack : stacks)
+    {
+        GiveOut(stack);
+        // A thread that has ended since they were listed is none of the process any more.
+        haveAllAnswered &= stack.answer != detail::ThreadStack::Answer::None;
+    }
+    return haveAllAnswered;
+}
+catch (...)
+{
+    return detail::FalseIfOutOfMemory();
 }
 
 void TStackWalker::GiveOut(detail::ThreadStack const &stack)
