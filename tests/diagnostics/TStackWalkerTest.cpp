@@ -167,8 +167,9 @@ TEST(TStackWalker, WalksOtherThreads)
     RecordingWalker all;
     all.GenerateCallstacksForAllThreads();
     EXPECT_EQ(all.Count("!walked::Asleep"), 1) << all.Text();
-    EXPECT_EQ(all.firstEntries, all.Count("0x00000000 "));
-    EXPECT_GE(all.firstEntries, 2);
+    // A thread that has only just begun may have no line.
+    EXPECT_GE(all.firstEntries, all.Count("0x00000000 "));
+    EXPECT_GE(all.Count("0x00000000 "), 2);
 }
 
 TEST(TStackWalker, RefusesWhatIsNoThreadOfTheProcess)
