@@ -106,10 +106,15 @@ void ChangeMask(int how)
 
 Shared *g_shared = nullptr;
 
+void OnSignal(int)
+{
+    Waiting(*g_shared);
+}
+
 [[gnu::noinline]] void Handling(Shared &shared)
 {
     g_shared = &shared;
-    std::signal(SIGUSR1, [](int) { Waiting(*g_shared); });
+    std::signal(SIGUSR1, &OnSignal);
     std::raise(SIGUSR1);
     KeepFrame();
 }
