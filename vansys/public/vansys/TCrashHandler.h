@@ -88,8 +88,7 @@ public:
     /// scope is: on Linux an alternate stack for signals (256 KiB of addresses, of which memory is used by a
     /// crash only) in the place of the one the thread may have, on Windows a reserve on its stack, which
     /// stays until the thread ends. To be left on the thread that entered it, and scopes of a thread inside
-    /// out. Independent of `Install`. Threads of this library and the one that calls `Install` have it
-    /// without.
+    /// out. Independent of `Install`. The thread that calls `Install` has it without.
     class VANSYS_API ThreadScope
     {
     public:
